@@ -1,0 +1,16 @@
+// Joins the layers: what lower directories need of higher ones.
+//
+// The table is a constant, so it is whole before any code of the process runs.
+#include "Common/redirect/ParentChain.h"
+#include "Common/registry/RegistryImpl.h"
+#include "Common/xml/PersistTree.h"
+
+namespace zo::impl {
+
+constinit RegistryHooks const registryHooks = {
+    .addPersistEntry = &xml::impl::AddPersistEntry,
+    .makeParents = &MakeParents,
+    .isParentPlaceholder = &IsParentPlaceholder,
+};
+
+} // namespace zo::impl

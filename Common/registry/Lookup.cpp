@@ -1,0 +1,225 @@
+// From a name to a live node.
+#include "Common/model/ZOArray.h"
+#include "Common/registry/Find.h"
+#include "Common/registry/RegistryImpl.h"
+#include "Common/registry/ZORegistry.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace zo {
+
+using impl::Current;
+using impl::NodeAccess;
+
+namespace {
+
+constexpr std::array<bool, 256> isBoundary = [] {
+    std::array<bool, 256> table{};
+    table['.'] = table['['] = table[']'] = true;
+    return table;
+}();
+
+// The next component boundary from `start` on, the size of the text at its end.
+std::size_t NextBoundary(std::string_view text, std::size_t start) noexcept {
+    while (start < text.size() && !isBoundary[static_cast<unsigned char>(text[start])]) ++start;
+    return start;
+}
+
+// The walk along a name, component by component.
+class NameScan {
+public:
+    explicit NameScan(std::string_view name)
+        : text(name), boundary(NextBoundary(name, 0)), token(name.substr(0, boundary)) {}
+
+    std::string_view Token() const noexcept { return token; }
+    bool AtEnd() const noexcept { return boundary >= text.size(); }
+    /// What was read so far, a closing bracket included.
+    std::string_view Read() const noexcept {
+        return text.substr(0, boundary + (boundary < text.size() && text[boundary] == IZO::chArrayClose));
+    }
+
+    enum Step { Component, Ended, Malformed };
+    /// Steps over one boundary: `a[3].b`, `a.[3].b` and `a.3.b` alike. An empty component ends the name at the end of
+    /// the text, as behind "a[3]"; elsewhere it names nothing.
+    Step Next() noexcept {
+        std::size_t start = boundary + 1;
+        bool const opened = text[boundary] == IZO::chArrayOpen;
+        if (start < text.size() && text[start] == IZO::chSeparator) ++start;
+        if (!opened && start < text.size() && text[start] == IZO::chArrayOpen) ++start;
+        boundary = NextBoundary(text, start);
+        token = start < text.size() ? text.substr(start, boundary - start) : std::string_view();
+        if (!token.empty()) return Component;
+        return start >= text.size() ? Ended : Malformed;
+    }
+
+private:
+    std::string_view text;
+    std::size_t boundary;
+    std::string_view token;
+};
+
+// A spare entry of a set, in whose name the canonical name grows: it costs no memory if the entry is entered later.
+class SpareEntry {
+public:
+    explicit SpareEntry(ZOSetImpl& impl)
+        : impl(impl), entry(impl.trackTemporaries ? impl.entries.Acquire() : nullptr) {}
+    SpareEntry(SpareEntry const&) = delete;
+    SpareEntry& operator=(SpareEntry const&) = delete;
+    ~SpareEntry() {
+        if (entry) impl.entries.Recycle(entry);
+    }
+
+    std::string& Name() noexcept { return entry->name; }
+    /// The place reached: a node that has an entry brings that entry's name, whatever was read.
+    void Extend(IZO const& node, std::string_view component) {
+        if (node.OwnerID() != IZO::npos)
+            entry->name = node.Name();
+        else
+            path::ExtendCanonical(entry->name, component);
+    }
+    void EnterHidden(ZOSet* set, IZO* node) { impl.Enter(set, std::exchange(entry, nullptr), node, false, false); }
+
+private:
+    ZOSetImpl& impl;
+    SetEntry* entry;
+};
+
+H Visible(ZOSetImpl const& impl, std::string_view name) {
+    SetEntry const* const entry = impl.entries.FirstVisible(name);
+    return entry ? H(entry->node) : H();
+}
+
+// The child of an unowned node is unowned, too.
+void Disown(IZO& node) {
+    if (ZOSet* const owner = node.Owner(); owner && node.OwnerID() != IZO::npos) {
+        ZOSetImpl& impl = *owner->Impl();
+        std::size_t const place = node.OwnerID();
+        if (place < impl.entryOrder.size() && impl.entryOrder[place] && !impl.entryOrder[place]->counted)
+            impl.Leave(&node, place);
+    }
+    NodeAccess::SetOwner(node, nullptr, IZO::npos);
+}
+
+} // namespace
+
+H ZORegistry::Find(std::string const& name) {
+    ZORegistryImpl& tables = Current();
+    ZOSetImpl& own = *Impl();
+    bool const track = own.trackTemporaries;
+    NameScan scan(name);
+
+    H node;
+    std::size_t const row = tables.RowOfName(scan.Token());
+    if (row == IZO::npos) {
+        node = Visible(own, scan.Token());
+    } else {
+        IODS const& store = *tables.stores[row];
+        if (!store.IsAvailable()) return {};
+        if (IZOWrapper* const wrapper = tables.wrappers[row]) {
+            void* const memory = store.GetPtrType();
+            if (!memory) return {};
+            node = H(wrapper->RemapClone(memory, {}));
+        } else {
+            node = tables.nodes[row];
+        }
+    }
+    if (!node) return {};
+
+    SpareEntry canonical(own);
+    if (track) canonical.Extend(*node, scan.Token());
+    std::string component; // one for all steps: children are asked with a string
+    while (!scan.AtEnd()) {
+        NameScan::Step const step = scan.Next();
+        if (step == NameScan::Malformed) return {};
+        if (step == NameScan::Ended) break;
+        // What comes out of an associative array works out its name from the array's.
+        if (node->OwnerID() == IZO::npos && tables.HasRow(node->RegID()) && tables.assocBits[node->RegID()] && track)
+            own.Enter(this, canonical.Name(), node.get(), false, false);
+        component = scan.Token();
+        H child = NodeAccess::GetSubZO(*node, component);
+        if (!child && track) child = Visible(own, scan.Read());
+        node = std::move(child);
+        if (!node) return {};
+        if (track) canonical.Extend(*node, scan.Token());
+    }
+    if (track && node->OwnerID() == IZO::npos) canonical.EnterHidden(this, node.get());
+    return node;
+}
+
+H ZORegistry::Find(H const& node, std::string const& name) {
+    if (!node) return {};
+    H result = NodeAccess::GetSubZO(*node, name);
+    if (node->OwnerID() == IZO::npos) {
+        if (result && !node->Owner()) Disown(*result);
+        return result;
+    }
+    ZOSetImpl& own = *Impl();
+    if (!own.trackTemporaries) return result;
+    if (!result) return Visible(own, path::Join(node->Name(), name));
+    if (result->OwnerID() == IZO::npos) {
+        SpareEntry canonical(own);
+        canonical.Name() = node->Name();
+        path::ExtendCanonical(canonical.Name(), name);
+        canonical.EnterHidden(this, result.get());
+    }
+    return result;
+}
+
+H ZORegistry::Find(ZOArray* array, std::size_t index) {
+    if (!array) return {};
+    H result = array->GetSubZO(index);
+    if (!result) return {};
+    if (array->OwnerID() == IZO::npos) {
+        if (!array->Owner()) Disown(*result);
+        return result;
+    }
+    ZOSetImpl& own = *Impl();
+    if (own.trackTemporaries && result->OwnerID() == IZO::npos) {
+        SpareEntry canonical(own);
+        canonical.Name() = array->Name();
+        canonical.Name() += IZO::chArrayOpen;
+        canonical.Name() += std::to_string(index);
+        canonical.Name() += IZO::chArrayClose;
+        canonical.EnterHidden(this, result.get());
+    }
+    return result;
+}
+
+namespace {
+
+ZOSet& SetOf(IZO const* node) { return node && node->Owner() ? *node->Owner() : *ZORegistry::Instance(); }
+
+} // namespace
+
+H Find(std::string const& name) { return ZORegistry::Instance()->Find(name); }
+H Find(std::string const& name, int a, int b, int c) { return ZORegistry::Instance()->ZOSet::Find(name, a, b, c); }
+H Find(H const& node, std::string const& name) { return SetOf(node.get()).Find(node, name); }
+H Find(ZOArray* array, std::size_t index) { return SetOf(array).Find(array, index); }
+
+ZOFwrdIterator Find(H const& parent, H const& child) {
+    if (!parent || !child) return {};
+    std::string const name = child->SubName();
+    ZOFwrdIterator position = parent->begin();
+    while (position.current && !(position.current->RegID() == child->RegID() && position.current->SubName() == name))
+        ++position;
+    return position.current ? position : parent->end();
+}
+
+H GetParent(H const& node, unsigned levels) {
+    H at = node;
+    for (; levels > 0 && at; --levels) {
+        std::string const parent = at->ParentName();
+        at = parent.empty() ? H() : SetOf(at.get()).Find(parent);
+    }
+    return at;
+}
+
+H GetSibling(H const& node, std::string const& name) {
+    H const parent = GetParent(node, 1);
+    return parent ? SetOf(node.get()).Find(parent, name) : H();
+}
+
+} // namespace zo

@@ -1,0 +1,169 @@
+// What nodes ask of the registry, beside the columns that answer.
+#include "Common/model/NodeTables.h"
+
+#include "Common/model/ZOArray.h"
+#include "Common/registry/Find.h"
+#include "Common/registry/RegistryImpl.h"
+
+#include <algorithm>
+#include <cassert>
+#include <string>
+
+namespace zo {
+
+using impl::Current;
+using impl::NodeAccess;
+
+namespace impl::tables {
+
+bool IsCurrentRegistry(ZOSet const* set) { return set && set == ZORegistry::Instance(); }
+bool HasRow(std::size_t regID) { return Current().HasRow(regID); }
+bool IsPrototype(IZO const& node) {
+    ZORegistryImpl const& tables = Current();
+    return tables.HasRow(node.RegID()) && tables.nodes[node.RegID()].get() == &node;
+}
+meta::MetaDataTraits const& DataTraits(std::size_t regID) { return zo::DataTraits(regID); }
+IZOWrapper* WrapperPrototype(std::size_t regID) {
+    ZORegistryImpl const& tables = Current();
+    return tables.HasRow(regID) ? tables.wrappers[regID] : nullptr;
+}
+IZO* Prototype(std::size_t regID) {
+    ZORegistryImpl const& tables = Current();
+    return tables.HasRow(regID) ? tables.nodes[regID].get() : nullptr;
+}
+std::size_t ChildByName(std::size_t regID, std::string const& name) {
+    ZORegistryImpl const& tables = Current();
+    return tables.HasRow(regID) ? tables.ChildByName(regID, name) : IZO::npos;
+}
+std::size_t ElementTemplate(std::size_t regID) {
+    ZORegistryImpl const& tables = Current();
+    return tables.HasRow(regID) ? tables.elementTemplates[regID] : IZO::npos;
+}
+void MarkAssociative(std::size_t regID) { Current().assocBits[regID] = true; }
+std::size_t TakeFindHint(std::size_t regID) {
+    ZORegistryImpl& tables = Current();
+    std::size_t const hint = std::exchange(tables.findHint, IZO::npos);
+    return tables.HasRow(hint) && tables.parents[hint] == regID ? hint : IZO::npos;
+}
+bool ValidatesValues(ZOSet const& set) { return set.Impl()->validateValues; }
+ZOSet& OwnerOrCurrent(IZO const& node) { return node.Owner() ? *node.Owner() : *ZORegistry::Instance(); }
+H Find(ZOSet& set, std::string const& name) { return set.Find(name); }
+H FindElement(ZOSet& set, ZOArray* array, std::size_t index) { return set.Find(array, index); }
+
+} // namespace impl::tables
+
+IZO::~IZO() {
+    if (owner && ownerID != npos) owner->Impl()->Leave(this, ownerID);
+}
+
+meta::MetaDataTraits IZO::GetDataTraits() const {
+    ZORegistryImpl const& tables = Current();
+    assert(tables.HasRow(regID));
+    return tables.HasRow(regID) ? tables.dataTraits[regID] : meta::MetaDataTraits();
+}
+
+meta::MetaPersistTraits IZO::GetPersistTraits() const {
+    static meta::MetaPersistTraits const none;
+    ZORegistryImpl const& tables = Current();
+    return tables.HasRow(regID) ? tables.persistTraits[regID] : none;
+}
+
+std::string IZO::Name() const {
+    if (!owner || ownerID == npos) return {};
+    std::vector<SetEntry*> const& order = owner->Impl()->entryOrder;
+    return ownerID < order.size() && order[ownerID] ? order[ownerID]->name : std::string();
+}
+
+std::string IZO::SubName() const {
+    ZORegistryImpl const& tables = Current();
+    if (tables.HasRow(regID) && tables.subNames[regID] != "[]" && !tables.subNames[regID].empty())
+        return tables.subNames[regID];
+    return std::string(path::LastPart(std::string_view(Name())));
+}
+
+std::string IZO::ParentName() const { return std::string(path::ParentPart(std::string_view(Name()))); }
+
+int IZO::CompareName(IZO const& other) const {
+    if (ownerID == npos || other.ownerID == npos || ownerID == other.ownerID || !owner) return 0;
+    std::vector<SetEntry*> const& order = owner->Impl()->entryOrder;
+    auto const text = [&order](std::size_t id) -> std::string_view {
+        return id < order.size() && order[id] ? std::string_view(order[id]->name) : std::string_view();
+    };
+    // Up to the terminator: a name with a null character in it ends there.
+    auto const upToTerminator = [](std::string_view name) { return name.substr(0, name.find('\0')); };
+    int const order3 = upToTerminator(text(ownerID)).compare(upToTerminator(text(other.ownerID)));
+    return order3 < 0 ? -1 : order3 > 0 ? 1 : 0;
+}
+
+htl::status IZO::PushBack(H& value) {
+    std::size_t const length = Length();
+    if (htl::status failure = SetLength(length + 1); failure.IsError()) return failure;
+    std::string const name = Name() + "[" + std::to_string(length) + "]";
+    H const element = impl::tables::OwnerOrCurrent(*this).Find(name);
+    if (!element) return ZOError::not_found(name);
+    return element->Assign(value);
+}
+
+namespace {
+
+// The first child from `id` on along the siblings whose store is there and that a lookup finds.
+void StandOnChild(IZO& parent, std::size_t id, ZOFwrdIterator& position) {
+    H const self(&parent);
+    ZOSet& set = impl::tables::OwnerOrCurrent(parent);
+    for (; id != IZO::npos; id = Current().nextSiblings[id]) {
+        if (!Current().stores[id]->IsAvailable()) continue;
+        position.current = set.Find(self, Current().subNames[id]);
+        if (position.current) break;
+    }
+    position.subID = id;
+}
+
+} // namespace
+
+ZOFwrdIterator IZO::begin() {
+    ZOFwrdIterator first;
+    first.parent = H(this);
+    if (impl::tables::HasRow(regID)) StandOnChild(*this, Current().firstChildren[regID], first);
+    return first;
+}
+
+void IZO::GetNextSubZO(ZOFwrdIterator& position) {
+    position.current.release();
+    if (!impl::tables::HasRow(position.subID)) {
+        position.subID = npos;
+        return;
+    }
+    StandOnChild(*this, Current().nextSiblings[position.subID], position);
+}
+
+H impl::LiveChild(ZOSet const* owner, std::size_t child) {
+    ZORegistryImpl const& tables = Current();
+    if (owner != tables.owner) return H(tables.nodes[child]->EmptyClone());
+    IZOWrapper* const wrapper = tables.wrappers[child];
+    if (!wrapper) return H(tables.nodes[child]->Clone());
+    IODS const& store = *tables.stores[child];
+    void* const memory = store.IsAvailable() ? store.GetPtrType() : nullptr;
+    return H(memory ? wrapper->RemapClone(memory, {}) : tables.nodes[child]->EmptyClone());
+}
+
+H IZO::GetSubZO(std::string const& name) {
+    std::size_t const child = impl::tables::ChildByName(regID, name);
+    return child == npos ? H() : impl::LiveChild(owner, child);
+}
+
+H GetWrapper(std::size_t regID, void* memory) {
+    IZOWrapper* const prototype = impl::tables::WrapperPrototype(regID);
+    if (!prototype) return {};
+    H view(prototype->RemapClone(memory, {}));
+    if (view) NodeAccess::SetOwner(*view, nullptr, IZO::npos);
+    return view;
+}
+
+htl::status GetRegisteredWrapper(H& out, std::size_t regID, void* memory, std::string const& name) {
+    H view = GetWrapper(regID, memory);
+    if (!view) return ZOError::not_found(name);
+    out = std::move(view);
+    return ZORegistry::Instance()->InsertTemporary(name, out);
+}
+
+} // namespace zo

@@ -1,0 +1,121 @@
+// The columns of the registry: one row for each registered node, one column for each attribute.
+#pragma once
+
+#include "Common/ZOUtil/NamePath.h"
+#include "Common/model/IZO.h"
+#include "Common/registry/IODS.h"
+#include "Common/registry/SetImpl.h"
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace zo {
+
+class IZOWrapper;
+class ZORedirect;
+class ZORegistry;
+
+/// A row's place in the view of the tree, and the text that its source is found by.
+struct ViewRecord {
+    std::size_t nextSibling = IZO::npos;
+    enum SourceKind : unsigned { SubTagOfParent = 0, AbsoluteTag = 1, None = 2 };
+    unsigned kind = None;
+    std::wstring source;
+};
+
+struct PathHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const noexcept { return path::Hash(text); }
+    std::size_t operator()(std::wstring_view text) const noexcept { return path::Hash(text); }
+};
+
+struct ZO_API ZORegistryImpl final : ZOSetImpl {
+    explicit ZORegistryImpl(ZORegistry* owner);
+    ~ZORegistryImpl() override;
+    bool IsRegistryImpl() const override;
+    void SuspendTracking() override;
+
+    using RegID = std::size_t;
+    using NameIndex = std::unordered_map<std::string, RegID, PathHash, std::equal_to<>>;
+    using TagIndex = std::unordered_map<std::wstring, RegID, PathHash, std::equal_to<>>;
+    using NamedChildren = std::vector<std::pair<std::string, RegID>>;
+    using TaggedChildren = std::vector<std::pair<std::wstring, RegID>>;
+
+    bool initializationComplete = false;
+    NameIndex nameIndex; // normalised name to row
+    TagIndex tagIndex;   // normalised tag name to row
+    std::map<std::string, RegID> typeTemplates;
+    ZORegistry* owner;
+    // The member that the next structure view is asked for. One use only.
+    RegID findHint = IZO::npos;
+    std::size_t longestTag = 0; // in tagIndex
+
+    // Columns, by row, all appended to in the same call.
+    std::vector<meta::MetaDataTraits> dataTraits;
+    std::vector<meta::MetaPersistTraits> persistTraits; // after resolution against the parent
+    std::vector<std::wstring> localTags;                // the resolved tag with its bracket suffix
+    std::vector<htl::handle<IODS>> stores;
+    std::vector<H> nodes;
+    std::vector<std::string> names;    // normal form
+    std::vector<std::string> subNames; // last component
+    std::vector<std::wstring> tagNames;
+    std::vector<std::wstring> subTags;  // last component, "[]" for an element
+    std::vector<std::wstring> pathTags; // tagNames, or a path made of names where that is empty
+    std::vector<IZOWrapper*> wrappers;
+    std::vector<ZORedirect*> redirects;
+    std::vector<bool> aliasBits;
+    std::vector<bool> assocBits;
+    std::vector<RegID> parents;
+    std::vector<RegID> nextSiblings;           // tree of tags
+    std::vector<RegID> firstChildren;          // tree of tags
+    std::vector<RegID> viewFirstChildren;      // as firstChildren, until views change it
+    std::vector<NamedChildren> childrenByName; // sorted once registration has ended
+    std::vector<TaggedChildren> childrenByTag; // likewise, in UTF-16 order
+    std::vector<RegID> elementTemplates;       // the child "[]", npos without one
+    std::vector<ViewRecord> viewRecords;
+
+    std::size_t RowCount() const noexcept { return names.size(); }
+    bool HasRow(RegID id) const noexcept { return id < names.size(); }
+
+    /// Appends a row; the name and tag must be free, see `ZORegistry::RegisterZO`.
+    RegID AddRow(htl::handle<IODS> const& store, H const& node, IZO* parent, meta::MetaPersistTraits resolved,
+                 meta::MetaDataTraits const& data);
+    /// The traits that a node gets below `parent`, which may be null.
+    meta::MetaPersistTraits Resolve(meta::MetaPersistTraits const& asked, IZO const* parent) const;
+    void Finish();
+
+    RegID ChildByName(RegID id, std::string_view name) const noexcept;
+    RegID ChildByTag(RegID id, std::wstring_view tag) const noexcept;
+    RegID RowOfName(std::string_view name) const noexcept;
+    RegID RowOfTag(std::wstring_view tag) const noexcept;
+    bool IsAlias(RegID id) const noexcept { return aliasBits[id]; }
+
+private:
+    void BuildTagTree_();
+};
+
+namespace impl {
+
+/// What the registry needs of the layers above it; they are joined where the library is put together.
+struct RegistryHooks {
+    /// Adds a persisted row's node to the persist tree.
+    void (*addPersistEntry)(H const& node, std::wstring const& tagName);
+    /// Makes the parents that a name lacks and gives the last one; empty if there is nothing to make.
+    H (*makeParents)(std::wstring const& tagPath, std::string const& namePath, std::uint32_t type);
+    /// Whether the node stands in for a parent that nobody registered.
+    bool (*isParentPlaceholder)(IZO const& node);
+};
+extern RegistryHooks const registryHooks;
+
+/// The current registry's tables.
+ZORegistryImpl& Current();
+/// The node of row `child` as a child of a node without memory of its own that lives in `owner`: in the current
+/// registry a view bound by the row's own store, or a clone; in any other set an empty clone.
+H LiveChild(ZOSet const* owner, std::size_t child);
+
+} // namespace impl
+} // namespace zo

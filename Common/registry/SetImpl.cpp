@@ -1,0 +1,161 @@
+#include "Common/registry/SetImpl.h"
+
+#include "Common/ZOUtil/NamePath.h"
+#include "Common/registry/ZOSet.h"
+
+#include <cassert>
+#include <utility>
+
+namespace zo {
+
+using impl::NodeAccess;
+using Count = htl::handle_mgmt_refcounted;
+
+EntryTable::EntryTable() : buckets(8, nullptr) {}
+
+EntryTable::~EntryTable() {
+    for (SetEntry* entry : buckets)
+        while (entry) delete std::exchange(entry, entry->next);
+    while (spare) delete std::exchange(spare, spare->next);
+}
+
+SetEntry* EntryTable::Acquire() {
+    if (!spare) return new SetEntry;
+    SetEntry* const entry = std::exchange(spare, spare->next);
+    entry->name.clear();
+    return entry;
+}
+
+void EntryTable::Recycle(SetEntry* entry) noexcept {
+    // One very long name must not hold its memory for ever.
+    constexpr std::size_t longest = 1024;
+    if (entry->name.capacity() > longest) {
+        delete entry;
+        return;
+    }
+    entry->node = nullptr;
+    entry->next = spare;
+    spare = entry;
+}
+
+void EntryTable::Hook_(SetEntry* entry, SetEntry** place) noexcept {
+    entry->next = *place;
+    entry->back = place;
+    if (entry->next) entry->next->back = &entry->next;
+    *place = entry;
+}
+
+void EntryTable::Insert(SetEntry* entry) {
+    if (size >= buckets.size()) Grow_();
+    entry->hash = path::Hash(entry->name);
+    SetEntry** const head = &buckets[entry->hash & (buckets.size() - 1)];
+    SetEntry** place = head;
+    for (SetEntry** at = head; *at; at = &(*at)->next) {
+        if ((*at)->hash != entry->hash || (*at)->name != entry->name) continue;
+        place = &(*at)->next;
+        if (!entry->visible) break;
+    }
+    Hook_(entry, place);
+    ++size;
+}
+
+void EntryTable::Remove(SetEntry* entry) noexcept {
+    *entry->back = entry->next;
+    if (entry->next) entry->next->back = entry->back;
+    --size;
+}
+
+SetEntry* EntryTable::First(std::string_view name) const noexcept {
+    if (size == 0) return nullptr;
+    std::uint64_t const hash = path::Hash(name);
+    for (SetEntry* entry = buckets[hash & (buckets.size() - 1)]; entry; entry = entry->next)
+        if (entry->hash == hash && entry->name == name) return entry;
+    return nullptr;
+}
+
+SetEntry* EntryTable::FirstVisible(std::string_view name) const noexcept {
+    for (SetEntry* entry = First(name); entry; entry = entry->next)
+        if (entry->visible && entry->name == name) return entry;
+    return nullptr;
+}
+
+void EntryTable::Grow_() {
+    std::vector<SetEntry*> old(buckets.size() * 2, nullptr);
+    old.swap(buckets);
+    // Each chain is split in two. From its end, so that putting each entry in front keeps the order.
+    std::vector<SetEntry*> chain;
+    for (SetEntry* entry : old) {
+        chain.clear();
+        for (; entry; entry = entry->next) chain.push_back(entry);
+        for (auto at = chain.rbegin(); at != chain.rend(); ++at)
+            Hook_(*at, &buckets[(*at)->hash & (buckets.size() - 1)]);
+    }
+}
+
+ZOSetImpl::ZOSetImpl() = default;
+
+ZOSetImpl::~ZOSetImpl() { ReleaseAll(); }
+
+bool ZOSetImpl::IsRegistryImpl() const { return false; }
+
+void ZOSetImpl::SuspendTracking() { validateValues = false; }
+
+void ZOSetImpl::ResumeTracking() {
+    trackTemporaries = true;
+    validateValues = true;
+}
+
+void ZOSetImpl::Enter(ZOSet* set, SetEntry* entry, IZO* node, bool visible, bool counted) {
+    // An entry that the node has elsewhere can't end with the node any more once the node knows this place.
+    if (node->Owner() && node->OwnerID() != IZO::npos) {
+        ZOSetImpl& before = *node->Owner()->Impl();
+        std::size_t const place = node->OwnerID();
+        if (place < before.entryOrder.size() && before.entryOrder[place] && !before.entryOrder[place]->counted)
+            before.Leave(node, place);
+    }
+    entry->node = node;
+    entry->visible = visible;
+    entry->counted = counted;
+    entry->position = entryOrder.size();
+    entryOrder.push_back(entry);
+    entries.Insert(entry);
+    if (counted) Count::AddRef(node);
+    NodeAccess::SetOwner(*node, set, entry->position);
+}
+
+void ZOSetImpl::Enter(ZOSet* set, std::string_view name, IZO* node, bool visible, bool counted) {
+    SetEntry* const entry = entries.Acquire();
+    entry->name = name;
+    Enter(set, entry, node, visible, counted);
+}
+
+void ZOSetImpl::Leave(IZO const* node, std::size_t position) noexcept {
+    if (position >= entryOrder.size()) return;
+    SetEntry* const entry = entryOrder[position];
+    // A copy of a node knows the original's place, too.
+    if (!entry || entry->node != node) return;
+    entryOrder[position] = nullptr;
+    while (!entryOrder.empty() && !entryOrder.back()) entryOrder.pop_back();
+    entries.Remove(entry);
+    entries.Recycle(entry);
+}
+
+void ZOSetImpl::ReleaseAll() noexcept {
+    std::vector<SetEntry*> all;
+    all.swap(entryOrder);
+    // All owners first: the end of one node may end others, and none may reach into these tables any more.
+    for (SetEntry* entry : all)
+        if (entry && entry->node->OwnerID() == entry->position && entry->node->Owner() &&
+            entry->node->Owner()->Impl() == this)
+            NodeAccess::SetOwner(*entry->node, nullptr, IZO::npos);
+    for (SetEntry* entry : all) {
+        if (!entry) continue;
+        entries.Remove(entry);
+        IZO* const node = entry->node;
+        bool const counted = entry->counted;
+        entries.Recycle(entry);
+        if (counted) Count::Release(node);
+    }
+}
+
+} // namespace zo
