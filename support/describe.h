@@ -114,6 +114,11 @@ void StoreAsEnum(MetaTraitsAtomic& record) {
     record.write = [](void* memory, void const* value) {
         *static_cast<E*>(memory) = static_cast<E>(*static_cast<int const*>(value));
     };
+    // A number without a word is taken as text: what E can't hold would come back as another value.
+    record.isValid = [](void const* value, zo::IZO const*, MetaDataTraits const&) {
+        int const number = *static_cast<int const*>(value);
+        return std::in_range<std::underlying_type_t<E>>(number) ? htl::status() : htl::status(21663, number);
+    };
 }
 
 /// The address of a member within its structure, also where `offsetof` is not allowed.

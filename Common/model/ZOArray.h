@@ -87,6 +87,12 @@ public:
     htl::handle<ZOMemMgr> const& ChildMemMgr() const noexcept { return childManager; }
     meta::MetaDataTraits const& AccessTraits() const noexcept { return childManager->Traits(); }
 
+    using ZOArray::Get;
+    using ZOArray::Set;
+
+    /// Whether this is the registered prototype of its row.
+    bool IsPrototype() const noexcept { return prototype; }
+
     meta::MetaDataTraits GetDataTraits() const override;
     /// A registered prototype is undefined.
     bool IsUndefined() const override;
@@ -94,6 +100,9 @@ public:
     std::size_t Length() const override;
     /// Puts every atomic part of the elements to its default; the length stays.
     void Clear() override;
+    /// As every array. Where elements get no entry of their own, one view serves all simple ones.
+    htl::status Set(std::wstring const& text) override;
+    htl::status Get(std::wstring& text) override;
     ZOFwrdIterator begin() override;
     IZO* Clone() override;
     IZO* EmptyClone() override;
@@ -119,7 +128,11 @@ protected:
     void GetNextSubZO(ZOFwrdIterator& position) override;
 
 private:
-    void SkipHoles_(std::size_t& index, std::size_t length) const;
+    meta::MetaTraitsArray const* Record_() const noexcept { return AccessTraits().AsArray(); }
+    void SkipHoles_(std::size_t& index) const;
+    IZOWrapper* ElementPrototype_() const;
+    bool ElementsShareView_() const;
+    class SharedView;
 
     htl::handle<ZOMemMgr> childManager;
     bool prototype = false;

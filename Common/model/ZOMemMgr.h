@@ -46,6 +46,8 @@ private:
     htl::handle<ZOMemMgr> outer;
 };
 
+class LiveManagers;
+
 /// The manager of every described container. There is one live manager for each memory and descriptor, whichever lookup
 /// asked for it, so a view from one lookup protects the array from a resize through another.
 class ZO_API ZOArrayMemMgr final : public ZOMemMgr {
@@ -61,7 +63,9 @@ public:
 private:
     ~ZOArrayMemMgr() override;
 
-    bool shared = false; // stands in the table of live managers
+    friend class LiveManagers;
+    ZOArrayMemMgr* next = nullptr; // in the table of live managers
+    bool shared = false;           // stands in that table
 };
 
 } // namespace zo

@@ -32,6 +32,9 @@ public:
     void* MemberOf(void* base) const noexcept;
 
 private:
+    // Moves one view along the elements of its array, so that long texts need no node for each value.
+    friend class ZOArrayWrapper;
+
     void* memory;
     htl::handle<ZOMemMgr> manager;
 };
@@ -112,6 +115,8 @@ private:
 };
 
 /// A value node that can format values straight from client memory.
+///
+/// Nothing but its memory ties such a node to a place: an array may move one view along its elements.
 class ZO_API IZOSimple {
 public:
     /// Replaces `text` by the values from `first` to before `last`, separated by ",". With `last` null or equal to
