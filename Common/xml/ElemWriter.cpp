@@ -1,0 +1,217 @@
+#include "Common/xml/ElemWriter.h"
+
+#include "Common/ZOUtil/NamePath.h"
+#include "Common/model/ZOArray.h"
+#include "Common/registry/ZORegistry.h"
+#include "Common/xml/ActiveNode.h"
+#include "Common/xml/Write.h"
+
+namespace zo::xml::impl {
+
+ZOElemWriter::ZOElemWriter(ZOPersistEntry const* first, ZOPersistEntry const* end, ZOElemWriter* parent,
+                           Filter const* filter)
+    : ZOElemWriter(Unplaced(), first, end, parent, filter) {
+    Restart_(first, end);
+}
+
+ZOElemWriter::ZOElemWriter(Unplaced, ZOPersistEntry const* first, ZOPersistEntry const* end, ZOElemWriter* parent,
+                           Filter const* filter)
+    : current(first), end(end), parent(parent), filter(filter) {}
+
+ZOElemWriter::~ZOElemWriter() = default;
+
+void ZOElemWriter::Restart_(ZOPersistEntry const* first, ZOPersistEntry const* last) {
+    current = first;
+    end = last;
+    node = current == end ? H() : ZORegistry::Instance()->Find(parent->node, current->name);
+    if (node)
+        Prepare_();
+    else if (current != end)
+        Step_();
+}
+
+std::wstring ZOElemWriter::Tag() {
+    std::wstring const& tag = current->persist.Tag;
+    if (current->isArray && length == 0) return {};
+    if (filter && !PassesFilter_(Mode::Siblings)) return {};
+    if (!parent || parent->current->isArray) return tag;
+    if (current->persist.IsPersistedAsValue) return text.empty() && attributeCount == 0 ? std::wstring() : tag;
+    if (!current->persist.IsAllChildrenValue) return tag;
+    return attributeCount == 0 ? std::wstring() : tag;
+}
+
+std::wstring ZOElemWriter::Text() { return text; }
+
+std::pair<sys::file::XmlAttribute const*, sys::file::XmlAttribute const*> ZOElemWriter::Attributes() {
+    if (attributeCount == 0) return {nullptr, nullptr};
+    return {attributes.data(), attributes.data() + attributeCount};
+}
+
+bool ZOElemWriter::IsArrayEntry() { return false; }
+
+bool ZOElemWriter::Step_() {
+    node.release();
+    if (!parent) {
+        current = end;
+        return false;
+    }
+    while (current != end && ++current != end) {
+        H found = ZORegistry::Instance()->Find(parent->node, current->name);
+        if (!found || !IsActive(found)) continue;
+        node = std::move(found);
+        Prepare_();
+        return true;
+    }
+    return false;
+}
+
+htl::handle<sys::file::XmlElemWriter> ZOElemWriter::Next() {
+    return htl::handle<sys::file::XmlElemWriter>(Step_() ? this : nullptr);
+}
+
+htl::handle<sys::file::XmlElemWriter> ZOElemWriter::FirstChild() {
+    if (current->persist.IsPersistedAsValue) return {};
+    if (!current->isArray && current->persist.IsAllChildrenValue) return {};
+    if (current->isArray && length == 0) return {};
+    if (current->children.empty() || !node) return {};
+    ZOPersistEntry const* const first = current->children.data();
+    ZOPersistEntry const* const last = first + current->children.size();
+
+    if (current->isArray) {
+        auto* const array = dynamic_cast<ZOArray*>(node.get());
+        if (!array) return {}; // an alias of an array: its elements are written where they live
+        if (spareEntries && spareEntries->RefCount() == 1)
+            spareEntries->Restart_(first, last, array);
+        else
+            spareEntries =
+                htl::handle<ZOElemWriterArrayEntry>(new ZOElemWriterArrayEntry(first, last, this, array, filter));
+        if (!spareEntries->HasEntry()) return {};
+        return spareEntries;
+    }
+    if (spareChild && spareChild->RefCount() == 1)
+        spareChild->Restart_(first, last);
+    else
+        spareChild = htl::handle<ZOElemWriter>(new ZOElemWriter(first, last, this, filter));
+    if (spareChild->IsAtEnd()) return {};
+    return spareChild;
+}
+
+std::wstring ZOElemWriter::FilterPath() const {
+    if (!parent) return current->persist.Tag;
+    return path::Join(parent->FilterPath(), current->persist.Tag);
+}
+
+std::wstring ZOElemWriter::LocalTag() const { return node ? node->Tag() : std::wstring(); }
+
+std::wstring ZOElemWriter::ErrorTag() const {
+    if (!parent) return LocalTag();
+    std::wstring result = parent->LocalTag();
+    if (parent->parent && parent->current->isArray) result = path::Join(parent->parent->LocalTag(), result);
+    return path::Join(result, LocalTag());
+}
+
+bool ZOElemWriter::PassesFilter_(Mode mode) const {
+    if (!filter) return true;
+    std::wstring const own = FilterPath();
+    for (std::wstring const& wanted : *filter) {
+        if (wanted.starts_with(own) || own.starts_with(wanted)) return true;
+        if (mode != Mode::Siblings || !wanted.ends_with(L']') || !own.ends_with(L']')) continue;
+        std::size_t const bracket = own.rfind(L'[');
+        if (bracket == wanted.rfind(L'[') && bracket != std::wstring::npos &&
+            own.compare(0, bracket, wanted, 0, bracket) == 0)
+            return true;
+    }
+    return false;
+}
+
+sys::file::XmlAttribute& ZOElemWriter::Slot_() {
+    if (attributeCount == attributes.size()) attributes.emplace_back();
+    auto& slot = attributes[attributeCount];
+    slot.second.clear();
+    return slot;
+}
+
+void ZOElemWriter::AddAttribute_(std::wstring_view name, std::wstring_view value) {
+    auto& slot = Slot_();
+    slot.first.assign(name);
+    slot.second.assign(value);
+    ++attributeCount;
+}
+
+void ZOElemWriter::Prepare_() {
+    attributeCount = 0;
+    text.clear();
+    length = current->length;
+    if (!node) return;
+    if (current->isArray && length == 0) length = node->Length();
+
+    auto const skips = [](ZOPersistEntry const& entry, bool isDefault) {
+        return entry.persist.Type == meta::MetaPersistTraits::IfNotDefined && isDefault;
+    };
+    // A value that can't be read is not written, and nobody is told.
+    if (current->persist.IsPersistedAsValue) {
+        bool isDefault = false;
+        bool const failed = !current->getter || (current->*current->getter)(node, nullptr, text, isDefault).IsError();
+        if (failed || skips(*current, isDefault))
+            text.clear();
+        else if (text.empty())
+            AddAttribute_(L"Missing", L"true");
+    } else if (current->isArray) {
+        AddAttribute_(L"Len", std::to_wstring(length));
+    } else if (current->persist.IsAllChildrenValue && PassesFilter_(Mode::Exact)) {
+        auto* const wrapper = dynamic_cast<IZOWrapper*>(node.get());
+        for (ZOPersistEntry const& child : current->children) {
+            if (child.persist.Type == meta::MetaPersistTraits::No || !child.getter) continue;
+            bool isDefault = true;
+            auto& slot = Slot_();
+            if ((child.*child.getter)(node, wrapper, slot.second, isDefault).IsError() || skips(child, isDefault))
+                continue;
+            slot.first = child.persist.Tag;
+            ++attributeCount;
+        }
+    }
+}
+
+ZOElemWriterRoot::ZOElemWriterRoot(ZOPersistEntry const* first, ZOPersistEntry const* end,
+                                   hzn::version::NumberKind<0> const& version, Filter const* filter)
+    : ZOElemWriter(Unplaced(), first, end, nullptr, filter), version(version) {
+    node = ZORegistry::Instance()->Find(first->node->Name());
+    Prepare_();
+    AddAttribute_(rootattribute::FileVersion(), str::as_wstring(version));
+    AddAttribute_(rootattribute::AppVersion(), str::as_wstring(hzn::version::Current().application));
+}
+
+std::wstring ZOElemWriterRoot::ErrorTag() const { return LocalTag(); }
+
+ZOElemWriterArrayEntry::ZOElemWriterArrayEntry(ZOPersistEntry const* first, ZOPersistEntry const* end,
+                                               ZOElemWriter* parent, ZOArray* array, Filter const* filter)
+    : ZOElemWriter(Unplaced(), first, end, parent, filter), array(array) {
+    Restart_(first, end, array);
+}
+
+void ZOElemWriterArrayEntry::Restart_(ZOPersistEntry const* first, ZOPersistEntry const* last, ZOArray* other) {
+    current = first;
+    end = last;
+    array = other;
+    index = 0;
+    node = ZORegistry::Instance()->Find(array, index);
+    if (node) Prepare_();
+}
+
+htl::handle<sys::file::XmlElemWriter> ZOElemWriterArrayEntry::Next() {
+    node.release();
+    if (++index < parent->length) node = ZORegistry::Instance()->Find(array, index);
+    if (!node) return {};
+    Prepare_();
+    return htl::handle<sys::file::XmlElemWriter>(this);
+}
+
+bool ZOElemWriterArrayEntry::IsArrayEntry() { return true; }
+
+std::wstring ZOElemWriterArrayEntry::FilterPath() const {
+    return parent ? path::Join(parent->FilterPath(), std::to_wstring(index + 1)) : std::wstring();
+}
+
+std::wstring ZOElemWriterArrayEntry::LocalTag() const { return std::to_wstring(index + 1); }
+
+} // namespace zo::xml::impl
