@@ -37,7 +37,7 @@ template <class Access, class Data>
 void ZOAtomicAccess<Access, Data>::Clear() {
     T value{};
     Record_().setDefault(&value);
-    (void)Access::SetData(value); // nobody to tell: a value that can't be stored stays
+    (void)static_cast<Access&>(*this).SetData(value); // nobody to tell: a value that can't be stored stays
 }
 
 template <class Access, class Data>
@@ -125,7 +125,7 @@ htl::status ZOAtomicAccess<Access, Data>::Write_(T const& candidate) {
     T checked = candidate;
     ZOAccessIsValidTrait validity(&Access::AccessTraits(), this);
     if (htl::status failure = validity.CallValueTypeTrait(&checked); failure.IsError()) return failure;
-    return Access::SetData(candidate);
+    return static_cast<Access&>(*this).SetData(candidate);
 }
 
 } // namespace zo
