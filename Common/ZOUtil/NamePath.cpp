@@ -37,10 +37,9 @@ template <class C>
 std::basic_string_view<C> LastOf(std::basic_string_view<C> text) noexcept {
     std::size_t const p = LastSeparator(text);
     std::size_t const start = p == text.npos || p == 0 ? 0 : p + 1;
-    text.remove_prefix(start);
-    if (!text.empty() && text.back() == C(']') && !(text.size() > 1 && text[text.size() - 2] == C('[')))
-        text.remove_suffix(1);
-    return text;
+    std::size_t end = text.size();
+    if (end > start && text[end - 1] == C(']') && !(end > 1 && text[end - 2] == C('['))) --end;
+    return text.substr(start, end - start);
 }
 
 template <class C>

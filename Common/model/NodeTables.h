@@ -32,9 +32,14 @@ std::size_t ChildByName(std::size_t regID, std::string const& name);
 std::size_t ElementTemplate(std::size_t regID);
 /// Records that a row is an associative array.
 void MarkAssociative(std::size_t regID);
-/// The one-shot hint that names the next member asked of a structure view; resets it. npos unless the hinted row is a
-/// child of `regID`.
-std::size_t TakeFindHint(std::size_t regID);
+/// A member of a structure: its row, npos for none, and its prototype as a wrapper, null if it is none.
+struct MemberRow {
+    std::size_t row = IZO::npos;
+    IZOWrapper* wrapper = nullptr;
+};
+/// The member of row `regID` under a name. A hint that a caller left for this step spares the search; it is used up in
+/// every case, and counts only if it names a child of `regID`.
+MemberRow FindMember(std::size_t regID, std::string const& name);
 /// Whether values are checked before they are stored in nodes of `set`.
 bool ValidatesValues(ZOSet const& set);
 /// The node's owner, or the current registry if it has none.

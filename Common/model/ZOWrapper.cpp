@@ -58,17 +58,15 @@ IZO* ZOWrapperStruct::RemapClone(void* memory, htl::handle<ZOMemMgr> const& mana
 
 H ZOWrapperStruct::GetSubZO(std::string const& name) {
     namespace tables = impl::tables;
-    // Asked in every case: the hint is for this step alone, used or not.
-    std::size_t child = tables::TakeFindHint(RegID());
-    if (child == npos && RegID() != npos) child = tables::ChildByName(RegID(), name);
-    if (child == npos) return {};
+    tables::MemberRow const member = tables::FindMember(RegID(), name);
+    if (member.row == npos) return {};
 
-    if (IZOWrapper* const wrapper = tables::WrapperPrototype(child); wrapper && !IsPrototype()) {
+    if (member.wrapper && !IsPrototype()) {
         if (!Memory()) return {};
-        return H(wrapper->RemapClone(wrapper->MemberOf(Memory()), Manager()));
+        return H(member.wrapper->RemapClone(member.wrapper->MemberOf(Memory()), Manager()));
     }
     // Aliases and computed branches below a structure have no memory in it, and a prototype has none at all.
-    IZO* const prototype = tables::Prototype(child);
+    IZO* const prototype = tables::Prototype(member.row);
     if (!prototype) return {};
     return H(tables::IsCurrentRegistry(Owner()) ? prototype->Clone() : prototype->EmptyClone());
 }

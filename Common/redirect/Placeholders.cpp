@@ -93,7 +93,7 @@ IZO* ZOPlaceholderArray::Clone() {
 H ZOPlaceholderArray::GetSubZO(std::size_t const& index) {
     ZORegistryImpl const& tables = impl::Current();
     if (!tables.HasRow(RegID()) || index >= Length()) return {};
-    std::size_t element = tables.elementTemplates[RegID()];
+    std::size_t element = tables.ElementTemplate(RegID());
     if (element == npos) element = tables.firstChildren[RegID()];
     if (element == npos) return {};
     int const own = static_cast<int>(index + 1);

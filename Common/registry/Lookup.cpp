@@ -94,12 +94,7 @@ H Visible(ZOSetImpl const& impl, std::string_view name) {
 
 // The child of an unowned node is unowned, too.
 void Disown(IZO& node) {
-    if (ZOSet* const owner = node.Owner(); owner && node.OwnerID() != IZO::npos) {
-        ZOSetImpl& impl = *owner->Impl();
-        std::size_t const place = node.OwnerID();
-        if (place < impl.entryOrder.size() && impl.entryOrder[place] && !impl.entryOrder[place]->counted)
-            impl.Leave(&node, place);
-    }
+    ZOSetImpl::LeavePlace(node);
     NodeAccess::SetOwner(node, nullptr, IZO::npos);
 }
 
@@ -112,18 +107,18 @@ H ZORegistry::Find(std::string const& name) {
     NameScan scan(name);
 
     H node;
-    std::size_t const row = tables.RowOfName(scan.Token());
+    std::size_t const row = tables.TopLevel(scan.Token());
     if (row == IZO::npos) {
         node = Visible(own, scan.Token());
     } else {
-        IODS const& store = *tables.stores[row];
-        if (!store.IsAvailable()) return {};
-        if (IZOWrapper* const wrapper = tables.wrappers[row]) {
-            void* const memory = store.GetPtrType();
+        StepRow const& step = tables.stepRows[row];
+        if (!step.store->IsAvailable()) return {};
+        if (step.wrapper) {
+            void* const memory = step.store->GetPtrType();
             if (!memory) return {};
-            node = H(wrapper->RemapClone(memory, {}));
+            node = H(step.wrapper->RemapClone(memory, {}));
         } else {
-            node = tables.nodes[row];
+            node = H(step.node);
         }
     }
     if (!node) return {};

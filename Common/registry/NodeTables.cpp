@@ -16,7 +16,7 @@ using impl::NodeAccess;
 
 namespace impl::tables {
 
-bool IsCurrentRegistry(ZOSet const* set) { return set && set == ZORegistry::Instance(); }
+bool IsCurrentRegistry(ZOSet const* set) { return set && set == Current().owner; }
 bool HasRow(std::size_t regID) { return Current().HasRow(regID); }
 bool IsPrototype(IZO const& node) {
     ZORegistryImpl const& tables = Current();
@@ -37,13 +37,16 @@ std::size_t ChildByName(std::size_t regID, std::string const& name) {
 }
 std::size_t ElementTemplate(std::size_t regID) {
     ZORegistryImpl const& tables = Current();
-    return tables.HasRow(regID) ? tables.elementTemplates[regID] : IZO::npos;
+    return tables.HasRow(regID) ? tables.ElementTemplate(regID) : IZO::npos;
 }
 void MarkAssociative(std::size_t regID) { Current().assocBits[regID] = true; }
-std::size_t TakeFindHint(std::size_t regID) {
+MemberRow FindMember(std::size_t regID, std::string const& name) {
     ZORegistryImpl& tables = Current();
-    std::size_t const hint = std::exchange(tables.findHint, IZO::npos);
-    return tables.HasRow(hint) && tables.parents[hint] == regID ? hint : IZO::npos;
+    std::size_t child = std::exchange(tables.findHint, IZO::npos);
+    if (!tables.HasRow(child) || tables.parents[child] != regID)
+        child = tables.HasRow(regID) ? tables.ChildByName(regID, name) : IZO::npos;
+    if (child == IZO::npos) return {};
+    return {child, tables.stepRows[child].wrapper};
 }
 bool ValidatesValues(ZOSet const& set) { return set.Impl()->validateValues; }
 ZOSet& OwnerOrCurrent(IZO const& node) { return node.Owner() ? *node.Owner() : *ZORegistry::Instance(); }

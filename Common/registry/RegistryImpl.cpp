@@ -64,7 +64,7 @@ ZORegistryImpl::ZORegistryImpl(ZORegistry* owner) : owner(owner) {
     auto const reserve = [](auto&... columns) { (columns.reserve(rows), ...); };
     reserve(dataTraits, persistTraits, localTags, stores, nodes, names, subNames, tagNames, subTags, pathTags, wrappers,
             redirects, aliasBits, assocBits, parents, nextSiblings, firstChildren, viewFirstChildren, childrenByName,
-            childrenByTag, elementTemplates, viewRecords);
+            childrenByTag, viewRecords, stepRows);
 }
 
 ZORegistryImpl::~ZORegistryImpl() {
@@ -173,14 +173,24 @@ ZORegistryImpl::RegID ZORegistryImpl::AddRow(htl::handle<IODS> const& store, H c
     viewFirstChildren.push_back(IZO::npos);
     childrenByName.emplace_back();
     childrenByTag.emplace_back();
-    elementTemplates.push_back(IZO::npos);
     viewRecords.emplace_back();
 
+    StepRow& step = stepRows.emplace_back();
+    step.wrapper = wrappers.back();
+    step.store = store.get();
+    step.node = node.get();
+    step.parent = parentID;
+    std::size_t const kept = std::min(subName.size(), step.start.size());
+    std::copy_n(subName.data(), kept, step.start.data());
+    step.length = static_cast<std::uint8_t>(kept < subName.size() ? step.start.size() + 1 : kept);
+    if (name.find_first_of(".[]") == name.npos) steps.Add(IZO::npos, name, id);
+
     if (parentHasRow) {
+        steps.Add(parentID, subName, id);
         AddChild(childrenByName[parentID], subName, id, initializationComplete, lessByBytes);
         if (!isAlias && !subTag.empty())
             AddChild(childrenByTag[parentID], subTag, id, initializationComplete, lessByUnits);
-        if (subName == "[]" && elementTemplates[parentID] == IZO::npos) elementTemplates[parentID] = id;
+        if (RegID& element = stepRows[parentID].elementTemplate; subName == "[]" && element == IZO::npos) element = id;
     }
 
     // The lines are part of the failure, not places in this file.
@@ -189,6 +199,7 @@ ZORegistryImpl::RegID ZORegistryImpl::AddRow(htl::handle<IODS> const& store, H c
         throw htl::status_exception(ZOError::duplicate_name(), "ZOImpl", 1248);
 
     longestTag = std::max(longestTag, tagName.size());
+    LeavePlace(*node); // the node forgets it here
     NodeAccess::SetOwner(*node, owner, IZO::npos);
     NodeAccess::OnRegistration(*node, id);
     return id;
@@ -251,10 +262,6 @@ void ZORegistryImpl::BuildTagTree_() {
                      [this](RegID a, RegID b) { return lessByUnits(pathTags[a], pathTags[b]); });
     for (std::size_t i = 0; i < topLevel.size(); ++i)
         (i == 0 ? firstChildren[0] : nextSiblings[topLevel[i - 1]]) = topLevel[i];
-}
-
-ZORegistryImpl::RegID ZORegistryImpl::ChildByName(RegID id, std::string_view name) const noexcept {
-    return FindChild(childrenByName[id], name, initializationComplete, lessByBytes);
 }
 
 ZORegistryImpl::RegID ZORegistryImpl::ChildByTag(RegID id, std::wstring_view tag) const noexcept {

@@ -5,6 +5,7 @@
 #include "Common/model/IZO.h"
 #include "Common/registry/IODS.h"
 #include "Common/registry/SetImpl.h"
+#include "Common/registry/StepIndex.h"
 
 #include <map>
 #include <string>
@@ -75,8 +76,10 @@ struct ZO_API ZORegistryImpl final : ZOSetImpl {
     std::vector<RegID> viewFirstChildren;      // as firstChildren, until views change it
     std::vector<NamedChildren> childrenByName; // sorted once registration has ended
     std::vector<TaggedChildren> childrenByTag; // likewise, in UTF-16 order
-    std::vector<RegID> elementTemplates;       // the child "[]", npos without one
     std::vector<ViewRecord> viewRecords;
+
+    std::vector<StepRow> stepRows; // what lookup reads of each row
+    StepIndex steps;
 
     std::size_t RowCount() const noexcept { return names.size(); }
     bool HasRow(RegID id) const noexcept { return id < names.size(); }
@@ -88,7 +91,21 @@ struct ZO_API ZORegistryImpl final : ZOSetImpl {
     meta::MetaPersistTraits Resolve(meta::MetaPersistTraits const& asked, IZO const* parent) const;
     void Finish();
 
-    RegID ChildByName(RegID id, std::string_view name) const noexcept;
+    /// The child "[]" of a row, npos without one.
+    RegID ElementTemplate(RegID id) const noexcept { return stepRows[id].elementTemplate; }
+    /// The child row of a sub-name, the first of equal ones; npos if absent. Cost: one probe.
+    RegID ChildByName(RegID id, std::string_view name) const noexcept {
+        return steps.Find(id, name, [&](RegID row) { return stepRows[row].parent == id && HasSubName(row, name); });
+    }
+    /// The row of a whole name of one component, npos if absent. Cost: one probe.
+    RegID TopLevel(std::string_view component) const noexcept {
+        return steps.Find(IZO::npos, component, [&](RegID row) { return names[row] == component; });
+    }
+    bool HasSubName(RegID id, std::string_view name) const noexcept {
+        StepRow const& row = stepRows[id];
+        if (row.length > row.start.size()) return subNames[id] == name;
+        return row.length == name.size() && std::memcmp(row.start.data(), name.data(), name.size()) == 0;
+    }
     RegID ChildByTag(RegID id, std::wstring_view tag) const noexcept;
     RegID RowOfName(std::string_view name) const noexcept;
     RegID RowOfTag(std::wstring_view tag) const noexcept;
@@ -111,8 +128,16 @@ struct RegistryHooks {
 };
 extern RegistryHooks const registryHooks;
 
+/// The tables of the calling thread's current registry, null until somebody asks for it. Every step of a lookup asks,
+/// so it must not cost a call.
+extern thread_local constinit ZORegistryImpl* currentTables
+    __attribute__((tls_model("initial-exec"), visibility("hidden")));
+
+/// Makes the default registry current on this thread.
+ZORegistryImpl& UseDefaultRegistry();
+
 /// The current registry's tables.
-ZORegistryImpl& Current();
+inline ZORegistryImpl& Current() { return currentTables ? *currentTables : UseDefaultRegistry(); }
 /// The node of row `child` as a child of a node without memory of its own that lives in `owner`: in the current
 /// registry a view bound by the row's own store, or a clone; in any other set an empty clone.
 H LiveChild(ZOSet const* owner, std::size_t child);

@@ -16,6 +16,7 @@ EntryTable::EntryTable() : buckets(8, nullptr) {}
 EntryTable::~EntryTable() {
     for (SetEntry* entry : buckets)
         while (entry) delete std::exchange(entry, entry->next);
+    while (waiting) delete std::exchange(waiting, waiting->next);
     while (spare) delete std::exchange(spare, spare->next);
 }
 
@@ -46,7 +47,18 @@ void EntryTable::Hook_(SetEntry* entry, SetEntry** place) noexcept {
 }
 
 void EntryTable::Insert(SetEntry* entry) {
-    if (size >= buckets.size()) Grow_();
+    ++size;
+    entry->hashed = false;
+    if (entry->visible) {
+        ++visible;
+        InsertHashed_(entry);
+    } else {
+        Hook_(entry, &waiting);
+    }
+}
+
+void EntryTable::InsertHashed_(SetEntry* entry) {
+    if (hashed >= buckets.size()) Grow_();
     entry->hash = path::Hash(entry->name);
     SetEntry** const head = &buckets[entry->hash & (buckets.size() - 1)];
     SetEntry** place = head;
@@ -56,17 +68,30 @@ void EntryTable::Insert(SetEntry* entry) {
         if (!entry->visible) break;
     }
     Hook_(entry, place);
-    ++size;
+    entry->hashed = true;
+    ++hashed;
 }
 
 void EntryTable::Remove(SetEntry* entry) noexcept {
     *entry->back = entry->next;
     if (entry->next) entry->next->back = entry->back;
     --size;
+    if (entry->visible) --visible;
+    if (entry->hashed) --hashed;
 }
 
-SetEntry* EntryTable::First(std::string_view name) const noexcept {
-    if (size == 0) return nullptr;
+SetEntry* EntryTable::First(std::string_view name) {
+    while (waiting) {
+        SetEntry* const entry = waiting;
+        waiting = entry->next;
+        if (waiting) waiting->back = &waiting;
+        InsertHashed_(entry);
+    }
+    return Search_(name);
+}
+
+SetEntry* EntryTable::Search_(std::string_view name) const noexcept {
+    if (hashed == 0) return nullptr;
     std::uint64_t const hash = path::Hash(name);
     for (SetEntry* entry = buckets[hash & (buckets.size() - 1)]; entry; entry = entry->next)
         if (entry->hash == hash && entry->name == name) return entry;
@@ -74,7 +99,8 @@ SetEntry* EntryTable::First(std::string_view name) const noexcept {
 }
 
 SetEntry* EntryTable::FirstVisible(std::string_view name) const noexcept {
-    for (SetEntry* entry = First(name); entry; entry = entry->next)
+    if (visible == 0) return nullptr;
+    for (SetEntry* entry = Search_(name); entry; entry = entry->next)
         if (entry->visible && entry->name == name) return entry;
     return nullptr;
 }
@@ -107,12 +133,7 @@ void ZOSetImpl::ResumeTracking() {
 
 void ZOSetImpl::Enter(ZOSet* set, SetEntry* entry, IZO* node, bool visible, bool counted) {
     // An entry that the node has elsewhere can't end with the node any more once the node knows this place.
-    if (node->Owner() && node->OwnerID() != IZO::npos) {
-        ZOSetImpl& before = *node->Owner()->Impl();
-        std::size_t const place = node->OwnerID();
-        if (place < before.entryOrder.size() && before.entryOrder[place] && !before.entryOrder[place]->counted)
-            before.Leave(node, place);
-    }
+    LeavePlace(*node);
     entry->node = node;
     entry->visible = visible;
     entry->counted = counted;
@@ -127,6 +148,14 @@ void ZOSetImpl::Enter(ZOSet* set, std::string_view name, IZO* node, bool visible
     SetEntry* const entry = entries.Acquire();
     entry->name = name;
     Enter(set, entry, node, visible, counted);
+}
+
+void ZOSetImpl::LeavePlace(IZO const& node) noexcept {
+    if (!node.Owner() || node.OwnerID() == IZO::npos) return;
+    ZOSetImpl& owner = *node.Owner()->Impl();
+    std::size_t const place = node.OwnerID();
+    if (place < owner.entryOrder.size() && owner.entryOrder[place] && !owner.entryOrder[place]->counted)
+        owner.Leave(&node, place);
 }
 
 void ZOSetImpl::Leave(IZO const* node, std::size_t position) noexcept {

@@ -24,10 +24,14 @@ struct SetEntry {
     std::size_t position = 0;
     bool visible = false;
     bool counted = false;
+    bool hashed = false; // stands in a bucket
 };
 
 /// Entries by name: a hash multimap in which the first visible entry of equal names comes before later visible ones.
 /// Entries stay where they are in memory.
+///
+/// A lookup enters a hidden entry for a node that is mostly dropped at once, and only a test for a taken name ever asks
+/// for it. So hidden entries wait unhashed until somebody asks.
 class EntryTable {
 public:
     EntryTable();
@@ -46,17 +50,22 @@ public:
     /// Unhooks; the entry stays the caller's.
     void Remove(SetEntry* entry) noexcept;
     /// The first entry under the name, or null.
-    SetEntry* First(std::string_view name) const noexcept;
+    SetEntry* First(std::string_view name);
     /// The first visible entry under the name, or null.
     SetEntry* FirstVisible(std::string_view name) const noexcept;
     std::size_t Size() const noexcept { return size; }
 
 private:
     void Grow_();
+    void InsertHashed_(SetEntry* entry);
+    SetEntry* Search_(std::string_view name) const noexcept;
     static void Hook_(SetEntry* entry, SetEntry** place) noexcept;
 
     std::vector<SetEntry*> buckets; // a power of two
     std::size_t size = 0;
+    std::size_t hashed = 0;  // of those, in buckets
+    std::size_t visible = 0; // of those
+    SetEntry* waiting = nullptr;
     SetEntry* spare = nullptr;
 };
 
@@ -79,6 +88,8 @@ struct ZO_API ZOSetImpl {
     /// node has elsewhere without being counted there ends first.
     void Enter(ZOSet* set, SetEntry* entry, IZO* node, bool visible, bool counted);
     void Enter(ZOSet* set, std::string_view name, IZO* node, bool visible, bool counted);
+    /// Ends the place that `node` has in its owner, unless it is counted there. The node keeps its identity fields.
+    static void LeavePlace(IZO const& node) noexcept;
     /// Ends the entry at `position` if it holds `node`. The node keeps its identity fields.
     void Leave(IZO const* node, std::size_t position) noexcept;
     /// Lets go of every node: clears their owners first, then ends all entries.

@@ -277,8 +277,15 @@ std::wstring TagFromName(std::string const& name) {
             path::Append(read, component);
 
         H node = Find(read);
-        if (!node) node = H(GetTemplate(read));
-        if (!node) break;
+        // Names may lead in a circle. The place reached has a short name of its own, so the cost stays that of the
+        // text.
+        std::string place = node ? node->Name() : std::string();
+        if (!node) {
+            node = H(GetTemplate(read));
+            if (!node) break;
+            place = RegNormalizedName(node->RegID());
+        }
+        if (!place.empty() && place.size() < read.size()) read = std::move(place);
         if (first)
             tag = node->TagName(FullTagType);
         else if (component == "[]")

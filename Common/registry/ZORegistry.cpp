@@ -20,8 +20,6 @@ using impl::NodeAccess;
 
 namespace {
 
-thread_local ZORegistry* current = nullptr;
-
 // The default registry's one reference, dropped when the process exits.
 htl::handle<ZORegistry>& DefaultHandle() {
     static auto* const handle = new htl::handle<ZORegistry>();
@@ -45,7 +43,9 @@ bool IsNormalForm(std::string const& name) {
 
 } // namespace
 
-ZORegistryImpl& impl::Current() { return *ZORegistry::Instance()->Tables(); }
+thread_local constinit ZORegistryImpl* impl::currentTables = nullptr;
+
+ZORegistryImpl& impl::UseDefaultRegistry() { return *(currentTables = DefaultRegistry()->Tables()); }
 
 ZORegistry::ZORegistry() : ZOSet(std::make_unique<ZORegistryImpl>(this), {}, {}) {
     meta::MetaPersistTraits const persist(meta::MetaPersistTraits::Always, str::as_wstring(RootName()));
@@ -57,15 +57,15 @@ ZORegistry::ZORegistry() : ZOSet(std::make_unique<ZORegistryImpl>(this), {}, {})
 }
 
 ZORegistry::~ZORegistry() {
-    if (current == this) current = nullptr;
+    if (impl::currentTables == Impl()) impl::currentTables = nullptr;
 }
 
-ZORegistry* ZORegistry::Instance() {
-    if (!current) current = DefaultRegistry();
-    return current;
-}
+ZORegistry* ZORegistry::Instance() { return Current().owner; }
 
-ZORegistry* ZORegistry::SetInstance(ZORegistry* registry) { return std::exchange(current, registry); }
+ZORegistry* ZORegistry::SetInstance(ZORegistry* registry) {
+    ZORegistryImpl* const before = std::exchange(impl::currentTables, registry ? registry->Tables() : nullptr);
+    return before ? before->owner : nullptr;
+}
 
 std::string ZORegistry::RootName() { return "HZNData"; }
 
@@ -164,8 +164,10 @@ ZORegistryIterator ZORegistry::end() { return {}; }
 
 ZORegistryIterator& ZORegistryIterator::operator++() {
     // Not into nodes that redirect: links may lead in a circle.
+    // Nor into a namesake that answers for a child: it may be one of the nodes above.
     IZO& node = *levels.back().current;
-    if (!dynamic_cast<ZORedirect*>(&node)) {
+    std::size_t const asked = levels.back().subID;
+    if ((asked == IZO::npos || asked == node.RegID()) && !dynamic_cast<ZORedirect*>(&node)) {
         ZOFwrdIterator children = node.begin();
         if (children.current) {
             levels.push_back(std::move(children));
@@ -333,11 +335,13 @@ void ClearActiveChildren(zo::IZO& parent) {
     for (zo::ZOFwrdIterator child = parent.begin(); child.current; ++child) {
         zo::IZO& node = *child.current;
         std::size_t const row = node.RegID();
-        // A made parent has no data of its own: what is below it decides.
-        if (zo::impl::registryHooks.isParentPlaceholder(node))
-            ClearActiveChildren(node);
-        else if (zo::impl::Current().HasRow(row) && zo::impl::Current().stores[row]->IsActiveDataStore())
+        // A made parent has no data of its own: what is below it decides. Only the child itself: a namesake that
+        // answers for it may be one of the nodes above.
+        if (zo::impl::registryHooks.isParentPlaceholder(node)) {
+            if (row == child.subID) ClearActiveChildren(node);
+        } else if (zo::impl::Current().HasRow(row) && zo::impl::Current().stores[row]->IsActiveDataStore()) {
             node.Clear();
+        }
     }
 }
 

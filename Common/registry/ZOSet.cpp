@@ -11,7 +11,8 @@ namespace zo {
 ZOSet::ZOSet(std::unique_ptr<ZOSetImpl> tables, htl::handle<ZOSet> from, htl::handle<ZOSet> to)
     : impl(std::move(tables)), source(std::move(from)), base(to ? std::move(to) : source) {}
 
-ZOSet::~ZOSet() = default;
+// Nodes before the set that they were read from; and while the tables can still be asked for by way of their owner.
+ZOSet::~ZOSet() { impl->ReleaseAll(); }
 
 H ZOSet::Find(std::string const& name, int a, int b, int c) { return Find(FormName(name, a, b, c)); }
 

@@ -23,3 +23,4 @@
 #include "support/describe.h"
 #include "support/meta.h"
 #include "support/status.h"
+#include "support/text.h"

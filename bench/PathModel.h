@@ -1,0 +1,39 @@
+// 5,050 registered names over 36,000 live doubles: 50 modules, each with 8 materials of 9 strengths of 10 cohesions.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace bench {
+
+struct Strength {
+    std::array<double, 10> cohesion;
+};
+struct StrengthenedMaterial {
+    std::array<Strength, 9> strengths;
+};
+struct MaterialModule {
+    std::vector<StrengthenedMaterial> materials = std::vector<StrengthenedMaterial>(8);
+};
+struct PathModel {
+    std::array<MaterialModule, 50> modules;
+};
+
+/// Registers the model's names in the current registry. With `persisted` off no document is concerned, so that only the
+/// tables are measured.
+void RegisterPathModel(PathModel& model, bool persisted);
+
+/// One leaf, under the names of each number of components.
+struct PathLeaf {
+    std::string name; // Module07.Materials[3].Strength2.Cohesion5
+    double* value;
+};
+
+/// All leaves in a random order that is the same in every run.
+std::vector<PathLeaf> ShuffledLeaves(PathModel& model);
+std::unordered_map<std::string, double*> LeavesByName(std::vector<PathLeaf> const& leaves);
+
+} // namespace bench
