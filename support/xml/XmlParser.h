@@ -46,10 +46,10 @@ public:
     XmlParser(XmlParser const&) = delete;
     XmlParser& operator=(XmlParser const&) = delete;
 
-    /// Where to put the next bytes of the document; never empty. Valid until the next call of either operation.
-    /// Throws std::bad_alloc without memory, and for a single tag or comment of about a gibibyte, which the parser
+    /// Where to put the next bytes of the document, not empty. Valid until the next call of either operation.
+    /// Failure: message 90002, out of memory; also for a single tag or comment of about a gibibyte, which the parser
     /// can't hold.
-    std::span<char> Block();
+    htl::status Block(std::span<char>& place);
     /// Takes the first `used` bytes of the block; `last` says that they end the document.
     /// Failure: messages 90002, 90008 and 90009. The parser is of no use afterwards.
     htl::status Parse(std::size_t used, bool last);

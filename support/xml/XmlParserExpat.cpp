@@ -41,11 +41,11 @@ public:
         XML_SetUnknownEncodingHandler(parser.get(), OnUnknownEncoding, this);
     }
 
-    std::span<char> Block() {
+    htl::status Block(std::span<char>& place) {
         void* const start = XML_GetBuffer(parser.get(), static_cast<int>(blockSize));
-        if (!start) throw std::bad_alloc();
-        block = {static_cast<char*>(start), blockSize};
-        return block;
+        if (!start) return Error_();
+        place = block = {static_cast<char*>(start), blockSize};
+        return {};
     }
 
     htl::status Parse(std::size_t used, bool last) {
@@ -158,7 +158,6 @@ private:
 
     htl::status Error_() const {
         XML_Error const code = XML_GetErrorCode(parser.get());
-        if (code == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
         std::string reason = XML_ErrorString(code);
         if (code == XML_ERROR_UNKNOWN_ENCODING) reason += " \"" + encoding + "\"";
         return htl::status(notWellFormed, Line_(), Column_(), reason);
@@ -191,7 +190,7 @@ XmlParser::XmlParser(XmlEvents& events) : impl(std::make_unique<Impl>(events)) {
 
 XmlParser::~XmlParser() = default;
 
-std::span<char> XmlParser::Block() { return impl->Block(); }
+htl::status XmlParser::Block(std::span<char>& place) { return impl->Block(place); }
 
 htl::status XmlParser::Parse(std::size_t used, bool last) { return impl->Parse(used, last); }
 

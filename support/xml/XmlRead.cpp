@@ -208,7 +208,8 @@ htl::status XmlFileRead(std::wstring const& name, htl::handle<XmlElemReader> con
     Driver driver(reader);
     XmlParser parser(driver);
     for (bool last = false; !last;) {
-        std::span<char> const block = parser.Block();
+        std::span<char> block;
+        if (htl::status failure = parser.Block(block); failure.IsError()) return failure;
         std::ptrdiff_t const used = file.Read(block);
         if (used < 0) return unreadable();
         last = static_cast<std::size_t>(used) < block.size();
@@ -222,7 +223,8 @@ htl::status XmlStringRead(std::vector<unsigned char> const& document, htl::handl
     XmlParser parser(driver);
     std::span<unsigned char const> rest = document;
     for (bool last = false; !last;) {
-        std::span<char> const block = parser.Block();
+        std::span<char> block;
+        if (htl::status failure = parser.Block(block); failure.IsError()) return failure;
         auto const taken = rest.first(std::min(block.size(), rest.size()));
         std::ranges::copy(taken, block.begin());
         rest = rest.subspan(taken.size());
