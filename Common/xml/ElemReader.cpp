@@ -67,7 +67,8 @@ ZOElemReader::~ZOElemReader() {
     }
 }
 
-std::size_t ZOElemReader::AttributeRows::Find(std::size_t regID, std::wstring const& tag) {
+std::size_t ZOElemReader::AttributeRows::Find(ZORegistryImpl const& tables, std::size_t regID,
+                                              std::wstring const& tag) {
     if (parentRow != regID) {
         hits.clear();
         parentRow = regID;
@@ -79,7 +80,7 @@ std::size_t ZOElemReader::AttributeRows::Find(std::size_t regID, std::wstring co
             next = i + 1;
             return hits[i].row;
         }
-    std::size_t const row = zo::impl::Current().ChildByTag(regID, tag);
+    std::size_t const row = tables.ChildByTag(regID, tag);
     // A hostile element may have attributes without number.
     constexpr std::size_t limit = 64;
     if (row != IZO::npos && hits.size() < limit) {
@@ -204,16 +205,16 @@ H ZOElemReader::SubNode_(std::wstring const& name) {
         if (auto* const elements = dynamic_cast<ZOArray*>(node.get())) return root->set->Find(elements, index);
         return SubNodeOfOtherSet_(name);
     }
-    std::size_t const member = attributeRows.Find(row, name);
+    std::size_t const member = attributeRows.Find(root->tables, row, name);
     if (member == IZO::npos) return SubNodeOfOtherSet_(name);
-    auto& tables = zo::impl::Current();
+    auto& tables = root->tables;
     FindHint const hint(tables.findHint, member);
     return root->set->Find(node, tables.subNames[member]);
 }
 
 H ZOElemReader::SubNodeOfOtherSet_(std::wstring const& name) const {
     // The registry's own flag is off while it is read into itself.
-    if (!zo::impl::Current().trackTemporaries || SubRegID(node->RegID()) == IZO::npos) return {};
+    if (!root->tables.trackTemporaries || SubRegID(node->RegID()) == IZO::npos) return {};
     return root->set->FindTag(path::Join(node->TagName(FullTagType), name));
 }
 
@@ -278,15 +279,14 @@ htl::handle<sys::file::XmlElemReader> ZOSkipReader::Element(std::wstring const& 
 }
 
 ZORootReader::ZORootReader(ZOSet* set, TagPolicy const& policy, Filter const& filter)
-    : ZOSkipReader(nullptr, this, filter), version(std::numeric_limits<double>::max()), set(set), errors(10),
-      tagPolicy(policy) {
+    : ZOSkipReader(nullptr, this, filter), version(std::numeric_limits<double>::max()), set(set),
+      tables(zo::impl::Current()), errors(10), tagPolicy(policy) {
     node = set->Find(ZORegistry::RootName());
 }
 
 ZORootReader::~ZORootReader() = default;
 
 bool ZORootReader::Persists_(IZO const& of) {
-    auto const& tables = zo::impl::Current();
     std::size_t const row = of.RegID();
     // An alias answers with the traits of what it stands for now.
     if (!tables.HasRow(row) || tables.IsAlias(row)) return of.GetPersistTraits().Type != meta::MetaPersistTraits::No;

@@ -17,7 +17,8 @@
 
 namespace zo {
 class ZOArray;
-}
+struct ZORegistryImpl;
+} // namespace zo
 
 namespace zo::xml::impl {
 
@@ -68,7 +69,7 @@ private:
     public:
         void Rewind() noexcept { next = 0; }
         /// The child row of `regID` for a tag, npos without one.
-        std::size_t Find(std::size_t regID, std::wstring const& tag);
+        std::size_t Find(ZORegistryImpl const& tables, std::size_t regID, std::wstring const& tag);
 
     private:
         struct Hit {
@@ -133,6 +134,7 @@ private:
 
     double version;
     ZOSet* set;
+    ZORegistryImpl& tables; // of the registry that is current during the load
     XMLError errors;
     Unknowns unknown;
     TagPolicy tagPolicy;

@@ -16,14 +16,15 @@ ZOElemWriter::ZOElemWriter(ZOPersistEntry const* first, ZOPersistEntry const* en
 
 ZOElemWriter::ZOElemWriter(Unplaced, ZOPersistEntry const* first, ZOPersistEntry const* end, ZOElemWriter* parent,
                            Filter const* filter)
-    : current(first), end(end), parent(parent), filter(filter) {}
+    : current(first), end(end), parent(parent), filter(filter),
+      registry(parent ? parent->registry : *ZORegistry::Instance()) {}
 
 ZOElemWriter::~ZOElemWriter() = default;
 
 void ZOElemWriter::Restart_(ZOPersistEntry const* first, ZOPersistEntry const* last) {
     current = first;
     end = last;
-    node = current == end ? H() : ZORegistry::Instance()->Find(parent->node, current->name);
+    node = current == end ? H() : registry.Find(parent->node, current->name);
     if (node)
         Prepare_();
     else if (current != end)
@@ -56,7 +57,7 @@ bool ZOElemWriter::Step_() {
         return false;
     }
     while (current != end && ++current != end) {
-        H found = ZORegistry::Instance()->Find(parent->node, current->name);
+        H found = registry.Find(parent->node, current->name);
         if (!found || !IsActive(found)) continue;
         node = std::move(found);
         Prepare_();
@@ -159,7 +160,7 @@ void ZOElemWriter::Prepare_() {
     } else if (current->isArray) {
         AddAttribute_(L"Len", std::to_wstring(length));
     } else if (current->persist.IsAllChildrenValue && PassesFilter_(Mode::Exact)) {
-        auto* const wrapper = dynamic_cast<IZOWrapper*>(node.get());
+        auto* const wrapper = asWrapper(*node);
         for (ZOPersistEntry const& child : current->children) {
             if (child.persist.Type == meta::MetaPersistTraits::No || !child.getter) continue;
             bool isDefault = true;
@@ -175,7 +176,7 @@ void ZOElemWriter::Prepare_() {
 ZOElemWriterRoot::ZOElemWriterRoot(ZOPersistEntry const* first, ZOPersistEntry const* end,
                                    hzn::version::NumberKind<0> const& version, Filter const* filter)
     : ZOElemWriter(Unplaced(), first, end, nullptr, filter), version(version) {
-    node = ZORegistry::Instance()->Find(first->node->Name());
+    node = registry.Find(first->node->Name());
     Prepare_();
     AddAttribute_(rootattribute::FileVersion(), str::as_wstring(version));
     AddAttribute_(rootattribute::AppVersion(), str::as_wstring(hzn::version::Current().application));
@@ -194,13 +195,13 @@ void ZOElemWriterArrayEntry::Restart_(ZOPersistEntry const* first, ZOPersistEntr
     end = last;
     array = other;
     index = 0;
-    node = ZORegistry::Instance()->Find(array, index);
+    node = registry.Find(array, index);
     if (node) Prepare_();
 }
 
 htl::handle<sys::file::XmlElemWriter> ZOElemWriterArrayEntry::Next() {
     node.release();
-    if (++index < parent->length) node = ZORegistry::Instance()->Find(array, index);
+    if (++index < parent->length) node = registry.Find(array, index);
     if (!node) return {};
     Prepare_();
     return htl::handle<sys::file::XmlElemWriter>(this);

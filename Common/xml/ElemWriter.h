@@ -3,6 +3,7 @@
 // There is one cursor and one live node for each depth, whatever the size of the document.
 #pragma once
 
+#include "Common/xml/CastCache.h"
 #include "Common/xml/PersistEntry.h"
 
 #include "support/version.h"
@@ -15,7 +16,8 @@
 
 namespace zo {
 class ZOArray;
-}
+class ZOSet;
+} // namespace zo
 
 namespace zo::xml::impl {
 
@@ -72,6 +74,7 @@ protected:
     H node;
     std::size_t length = 0; // of the current array
     Filter const* filter;
+    ZOSet& registry; // the one that is current during the write
 
 private:
     friend class ZOElemWriterArrayEntry;
@@ -79,6 +82,7 @@ private:
     /// Steps to the next active sibling; false at the end.
     bool Step_();
 
+    CastCache<IZOWrapper> asWrapper;
     // Cursors of the last children, used again once nobody else holds them.
     htl::handle<ZOElemWriter> spareChild;
     htl::handle<ZOElemWriterArrayEntry> spareEntries;
