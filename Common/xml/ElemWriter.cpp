@@ -167,7 +167,7 @@ void ZOElemWriter::Prepare_() {
             auto& slot = Slot_();
             if ((child.*child.getter)(node, wrapper, slot.second, isDefault).IsError() || skips(child, isDefault))
                 continue;
-            slot.first = child.persist.Tag;
+            if (slot.first != child.persist.Tag) slot.first = child.persist.Tag;
             ++attributeCount;
         }
     }

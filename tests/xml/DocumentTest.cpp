@@ -219,6 +219,59 @@ TEST_F(DocumentTest, ArrayInsideARecordIsOneAttribute) {
     EXPECT_EQ(Saved(), L"<Layer Depths=\"\" Fixed=\"3,4\"/>");
 }
 
+/// A value that knows nothing of formatting memory, as a client's own class may be.
+H PlainPrototype(std::size_t offset = 0) {
+    return H(new zo::ZOWrapperAtomicCustom<double, double>(IZO::npos, nullptr, meta::AtomicTraits<double>(),
+                                                           reinterpret_cast<void*>(offset), {}));
+}
+
+struct FixedLevel {
+    double GetData(IZO const*) const { return 12.5; }
+    htl::status SetData(IZO*, double const&) const { return zo::ZOError::not_supported("FixedLevel"); }
+};
+
+TEST_F(DocumentTest, AttributesComeFromMemoryFromAViewOrFromANode) {
+    Point point{1, 2};
+    rows.Add("Gauge", StructPrototype(PointTraits()), {P::Always, L"Gauge", false, true}, PointTraits(), &point);
+    rows.Add("Gauge.X", ValuePrototype<double>(meta::AtomicTraits<double>(), meta::OffsetOf(&Point::X)),
+             {P::Always, L"X"}, meta::AtomicTraits<double>());
+    rows.Add("Gauge.Y", PlainPrototype(meta::OffsetOf(&Point::Y)), {P::IfNotDefined, L"Y"},
+             meta::AtomicTraits<double>());
+    rows.Add("Gauge.Level",
+             H(new zo::ZOAtomicCustom<FixedLevel, zo::ZOAccessDataVMT<double>>(IZO::npos, nullptr,
+                                                                               meta::AtomicTraits<double>())),
+             {P::Always, L"Level"}, meta::AtomicTraits<double>());
+    rows.Finish();
+    // The last one is a detached clone of its prototype: it has the policy's value.
+    EXPECT_EQ(Saved(), L"<Gauge X=\"1\" Y=\"2\" Level=\"12.5\"/>");
+    point.Y = 0;
+    EXPECT_EQ(Saved(), L"<Gauge X=\"1\" Level=\"12.5\"/>");
+}
+
+TEST_F(DocumentTest, AttributesOfAPlainStructureComeFromItsNodes) {
+    double load = 3;
+    rows.Add("Loads", H(new zo::ZOStructClone(IZO::npos, nullptr)), {P::Always, L"Loads", false, true}, PointTraits());
+    rows.Add("Loads.Crest", ValuePrototype<double>(meta::AtomicTraits<double>()), {P::Always, L"Crest"},
+             meta::AtomicTraits<double>(), &load);
+    rows.Finish();
+    EXPECT_EQ(Saved(), L"<Loads Crest=\"3\"/>");
+}
+
+TEST_F(DocumentTest, ArrayOfAClientsOwnValuesHasTheArraysText) {
+    std::vector<double> weights{1, 0, 2};
+    rows.Add("Weights", ArrayPrototype(NumbersTraits()), {P::Always, L"Weights", true}, NumbersTraits(), &weights);
+    rows.Add("Weights.[]", PlainPrototype(), {P::Always, L""}, meta::AtomicTraits<double>());
+    rows.Finish();
+    EXPECT_EQ(Saved(), L"<Weights>1,,2</Weights>");
+}
+
+TEST_F(DocumentTest, ArrayWithoutElementRowIsLeftOut) {
+    std::vector<double> weights{1, 2};
+    rows.Add("Weights", ArrayPrototype(NumbersTraits()), {P::Always, L"Weights", true}, NumbersTraits(), &weights);
+    rows.Finish();
+    EXPECT_EQ(Saved(), L"");
+}
+
 class NumbersDocumentTest : public PlanTest {
 protected:
     std::vector<double> weights;

@@ -4,7 +4,8 @@
 #include "Common/model/ZOArray.h"
 #include "Common/registry/SetImpl.h"
 
-#include <filesystem>
+#include <array>
+#include <thread>
 
 namespace {
 
@@ -386,10 +387,70 @@ TEST_F(ReadTest, ExceptionsLeaveTrackingOn) {
     EXPECT_TRUE(rows.registry->Impl()->trackTemporaries);
 }
 
-TEST_F(ReadTest, DocumentWithoutRootNodeInTheSetIsReadIntoNothing) {
-    // A null set is the current registry.
+TEST_F(ReadTest, NullSetIsTheCurrentRegistry) {
     ASSERT_TRUE(IsClean(Import(L"<Alpha>3</Alpha>", {}, nullptr)));
     EXPECT_EQ(alpha, 3);
+}
+
+/// A set that holds nothing, not even a root.
+class EmptySet final : public zo::ZOSet {
+public:
+    EmptySet() : ZOSet(std::make_unique<zo::ZOSetImpl>(), {}, {}) {}
+    using ZOSet::Find;
+    H Find(zo::ZOArray*, std::size_t) override { return {}; }
+    H Find(H const&, std::string const&) override { return {}; }
+    H Find(std::string const&) override { return {}; }
+    htl::status Insert(std::string const&, H const&) override { return ZOError::not_supported(""); }
+    htl::status InsertTemporary(std::string const&, H const&) override { return ZOError::not_supported(""); }
+
+protected:
+    ~EmptySet() override = default;
+};
+
+TEST_F(ReadTest, SetWithoutRootReadsEverythingIntoNothing) {
+    htl::handle<zo::ZOSet> const set(new EmptySet);
+    std::vector<htl::status> errors;
+    zo::xml::Unknowns unknown;
+    auto const handler = [&](zo::ZOSet* given, zo::xml::Unknowns& items, double, zo::xml::impl::XMLError&) {
+        EXPECT_EQ(given, set.get());
+        unknown = items;
+    };
+    ASSERT_TRUE(Succeeds(zo::xml::StringImport(L"<HZNData Author=\"x\"><Alpha>3<Deep a=\"1\"/></Alpha></HZNData>",
+                                               errors, {}, set.get(), handler)));
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_TRUE(FailsAs(errors[0], ZOError::not_recognized(L"HZNData.Author")));
+    EXPECT_TRUE(unknown.empty());
+    EXPECT_EQ(alpha, 1);
+    EXPECT_TRUE(set->Impl()->validateValues);
+}
+
+TEST_F(ReadTest, TwoThreadsLoadAndSaveRegistriesOfTheirOwn) {
+    std::vector<std::thread> threads;
+    std::array<std::wstring, 2> saved;
+    for (std::size_t i = 0; i < saved.size(); ++i)
+        threads.emplace_back([&text = saved[i], i] {
+            Rows own;
+            Project plan;
+            AddProject(own, plan);
+            own.Finish();
+            for (int round = 0; round < 50; ++round) {
+                plan = Example();
+                plan.Title = std::to_wstring(i);
+                std::wstring const document = Written();
+                if (LoadText(document).result.IsError() || Written() != document) return;
+            }
+            text = Saved();
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_NE(saved[0].find(L"<Title>0</Title>"), std::wstring::npos);
+    EXPECT_NE(saved[1].find(L"<Title>1</Title>"), std::wstring::npos);
+}
+
+TEST_F(ReadTest, DeepElementsBelowAnInactiveBranchAreReadIntoNothing) {
+    std::wstring body;
+    for (int i = 0; i < 4000; ++i) body += L"<Below>";
+    for (int i = 0; i < 4000; ++i) body += L"</Below>";
+    ASSERT_TRUE(IsClean(Load(L"<Idle>" + body + L"</Idle>")));
 }
 
 // Filters

@@ -41,6 +41,19 @@ TEST_F(WriteTest, LaterSiblingOfAnInactiveStoreIsLeftOut) {
     EXPECT_EQ(Saved(), L"<Alpha>1</Alpha><Gamma>3</Gamma>" + wholeProject);
 }
 
+TEST_F(WriteTest, StoresThatComputeTheirObjectAreNeverWritten) {
+    static double computed = 7;
+    htl::handle<zo::IODS> const store(
+        new zo::ODSAccessor("Zeta", [](zo::ODSAccessor const&) -> void* { return &computed; }));
+    rows.registry->RegisterZO(store, ValuePrototype<double>(meta::AtomicTraits<double>()), {P::Always, L"Zeta", true},
+                              meta::AtomicTraits<double>());
+    rows.Finish();
+    EXPECT_EQ(embankment::TextOf(zo::Find("Zeta")), L"7");
+    EXPECT_EQ(Saved(), wholeProject);
+    ASSERT_TRUE(IsClean(Import(L"<Zeta>8</Zeta>")));
+    EXPECT_EQ(computed, 7);
+}
+
 TEST_F(WriteTest, FirstChildIsWrittenWhateverItsStore) {
     double value = 5;
     rows.Number("Aardvark", L"Aardvark", value, P::Always, false);
