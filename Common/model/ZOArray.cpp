@@ -14,12 +14,11 @@ ZOArray::ZOArray(std::size_t regID, ZOSet* owner) : IZO(regID, owner, npos) {}
 
 meta::MetaDataTraits const& ZOArray::DefaultDataTraits() {
     // Never freed: arrays may outlive the statics of the library.
-    static meta::MetaTraitsArray const& record = [] {
-        auto* const made = new meta::MetaTraitsArray;
-        made->kind = meta::Kind::Array;
-        return static_cast<meta::MetaTraitsArray const&>(*made);
+    static meta::MetaDataTraits const& traits = []() -> meta::MetaDataTraits const& {
+        auto* const record = new meta::MetaTraitsArray;
+        record->kind = meta::Kind::Array;
+        return *new meta::MetaDataTraits(*record);
     }();
-    static meta::MetaDataTraits const& traits = *new meta::MetaDataTraits(record);
     return traits;
 }
 
