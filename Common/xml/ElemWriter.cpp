@@ -6,7 +6,16 @@
 #include "Common/xml/ActiveNode.h"
 #include "Common/xml/Write.h"
 
+#include <utility>
+
 namespace zo::xml::impl {
+namespace {
+
+bool IsLeftOut(ZOPersistEntry const& entry, bool isDefault) {
+    return entry.persist.Type == meta::MetaPersistTraits::IfNotDefined && isDefault;
+}
+
+} // namespace
 
 ZOElemWriter::ZOElemWriter(ZOPersistEntry const* first, ZOPersistEntry const* end, ZOElemWriter* parent,
                            Filter const* filter)
@@ -36,12 +45,19 @@ std::wstring ZOElemWriter::Tag() {
     if (current->isArray && length == 0) return {};
     if (filter && !PassesFilter_(Mode::Siblings)) return {};
     if (!parent || parent->current->isArray) return tag;
-    if (current->persist.IsPersistedAsValue) return text.empty() && attributeCount == 0 ? std::wstring() : tag;
+    if (current->persist.IsPersistedAsValue) return !hasText && attributeCount == 0 ? std::wstring() : tag;
     if (!current->persist.IsAllChildrenValue) return tag;
     return attributeCount == 0 ? std::wstring() : tag;
 }
 
-std::wstring ZOElemWriter::Text() { return text; }
+std::wstring ZOElemWriter::Text() {
+    // The text of a long array can be larger than all the rest of the document: a copy of it costs more than its
+    // numbers.
+    constexpr std::size_t copyLimit = 4096;
+    if (textIsGone) (void)FetchText_();
+    textIsGone = text.size() > copyLimit;
+    return textIsGone ? std::exchange(text, {}) : text;
+}
 
 std::pair<sys::file::XmlAttribute const*, sys::file::XmlAttribute const*> ZOElemWriter::Attributes() {
     if (attributeCount == 0) return {nullptr, nullptr};
@@ -139,24 +155,29 @@ void ZOElemWriter::AddAttribute_(std::wstring_view name, std::wstring_view value
     ++attributeCount;
 }
 
+bool ZOElemWriter::FetchText_() {
+    text.clear();
+    textIsGone = false;
+    bool isDefault = false;
+    // A value that can't be read is not written, and nobody is told.
+    bool const failed = !current->getter || (current->*current->getter)(node, nullptr, text, isDefault).IsError();
+    bool const isWritten = !failed && !IsLeftOut(*current, isDefault);
+    if (!isWritten) text.clear();
+    return isWritten;
+}
+
 void ZOElemWriter::Prepare_() {
     attributeCount = 0;
     text.clear();
+    hasText = textIsGone = false;
     length = current->length;
     if (!node) return;
     if (current->isArray && length == 0) length = node->Length();
 
-    auto const skips = [](ZOPersistEntry const& entry, bool isDefault) {
-        return entry.persist.Type == meta::MetaPersistTraits::IfNotDefined && isDefault;
-    };
-    // A value that can't be read is not written, and nobody is told.
     if (current->persist.IsPersistedAsValue) {
-        bool isDefault = false;
-        bool const failed = !current->getter || (current->*current->getter)(node, nullptr, text, isDefault).IsError();
-        if (failed || skips(*current, isDefault))
-            text.clear();
-        else if (text.empty())
-            AddAttribute_(L"Missing", L"true");
+        bool const isWritten = FetchText_();
+        hasText = !text.empty();
+        if (isWritten && !hasText) AddAttribute_(L"Missing", L"true");
     } else if (current->isArray) {
         AddAttribute_(L"Len", std::to_wstring(length));
     } else if (current->persist.IsAllChildrenValue && PassesFilter_(Mode::Exact)) {
@@ -165,7 +186,7 @@ void ZOElemWriter::Prepare_() {
             if (child.persist.Type == meta::MetaPersistTraits::No || !child.getter) continue;
             bool isDefault = true;
             auto& slot = Slot_();
-            if ((child.*child.getter)(node, wrapper, slot.second, isDefault).IsError() || skips(child, isDefault))
+            if ((child.*child.getter)(node, wrapper, slot.second, isDefault).IsError() || IsLeftOut(child, isDefault))
                 continue;
             if (slot.first != child.persist.Tag) slot.first = child.persist.Tag;
             ++attributeCount;

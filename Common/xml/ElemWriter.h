@@ -57,6 +57,8 @@ protected:
                  Filter const* filter);
 
     void Prepare_();
+    /// Fetches the value of the current element into `text`; empty where it is left out. Whether it is to be written.
+    bool FetchText_();
     bool PassesFilter_(Mode mode) const;
     /// Stands on the first of other entries under the same parent.
     void Restart_(ZOPersistEntry const* first, ZOPersistEntry const* last);
@@ -68,6 +70,8 @@ protected:
     std::vector<sys::file::XmlAttribute> attributes;
     std::size_t attributeCount = 0;
     std::wstring text;
+    bool hasText = false;
+    bool textIsGone = false; // handed over, to be fetched again if somebody asks twice
     ZOPersistEntry const* current;
     ZOPersistEntry const* end;
     ZOElemWriter* parent;

@@ -1,4 +1,8 @@
 // The order of siblings in a document, where it is not that of their tags.
+//
+// At first the children of a wrapper stand as they were registered, all others by tag in UTF-16 order. Orderings change
+// that. They belong to the registry that is current when they are registered, and are applied in the sequence of the
+// calls, once, before the first write; calls after it change nothing.
 #pragma once
 
 #include "support/export.h"
@@ -7,16 +11,13 @@
 
 namespace zo::xml {
 
-/// Orders elements of the current registry's documents, in the sequence of the calls: they are applied once, before the
-/// first write, and calls after it change nothing. At first the children of a wrapper stand as they were registered,
-/// all others by tag in UTF-16 order.
-///
-/// Paths hold the tags below the document element, with a "." before each, an array's element by its tag, too:
-/// "Project.Points.Point.X". A path that leads nowhere is ignored.
-
 /// Moves the element at `path` before all its siblings; so of two calls on siblings the later one stands first.
+///
+/// A path holds the tags below the document element, with a "." between each two, an array's element by its tag, too:
+/// "Project.Points.Point.X". One that leads nowhere is ignored.
 ZO_API void RegisterFirstOrdering(std::wstring const& path);
-/// Exchanges the element at `a` with its sibling that has the last tag of `b`.
+
+/// Exchanges the element at `a` with its sibling that has the last tag of `b`. Paths are as above.
 ZO_API void RegisterPersistanceOrdering(std::wstring const& a, std::wstring const& b);
 
 } // namespace zo::xml

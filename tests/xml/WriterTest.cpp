@@ -142,6 +142,26 @@ TEST_F(WriterTest, CursorsOfChildrenAreUsedAgain) {
     EXPECT_EQ(held->Text(), L"Sand shell");
 }
 
+TEST_F(WriterTest, LongTextIsTheSameWheneverItIsAsked) {
+    rows.Finish();
+    project.Title = std::wstring(10000, L'a') + L"b";
+    project.Weights.assign(5000, 1.5);
+    zo::TrackingSuspension const suspended(*rows.registry->Impl());
+    Cursor const root = Root();
+    Cursor const project1 = root->FirstChild();
+    Cursor const member = project1->FirstChild();
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(member->Tag(), L"Title");
+        EXPECT_TRUE(member->Text() == project.Title);
+    }
+    (void)member->Next();
+    EXPECT_EQ(member->Text(), L"");
+    (void)member->Next();
+    EXPECT_EQ(member->Text().size(), 5000u * 4 - 1);
+    EXPECT_EQ(member->Text().size(), 5000u * 4 - 1);
+    EXPECT_EQ(member->Tag(), L"Weights");
+}
+
 TEST_F(WriterTest, ArrayThatShrinksEndsItsEntries) {
     rows.Finish();
     zo::TrackingSuspension const suspended(*rows.registry->Impl());
