@@ -189,13 +189,24 @@ testing::AssertionResult IsClean(Loaded const& loaded) {
     return testing::AssertionSuccess();
 }
 
+namespace {
+
+/// A directory of this process that goes with it.
+struct Folder {
+    Folder() { std::filesystem::create_directories(path); }
+    ~Folder() {
+        std::error_code ignored; // a directory that stays behind does no harm
+        std::filesystem::remove_all(path, ignored);
+    }
+
+    std::filesystem::path path = std::filesystem::temp_directory_path() / ("plan." + std::to_string(getpid()));
+};
+
+} // namespace
+
 std::string TemporaryFile(std::string const& name) {
-    static std::string const folder = [] {
-        std::string path = (std::filesystem::temp_directory_path() / ("plan." + std::to_string(getpid()))).string();
-        std::filesystem::create_directories(path);
-        return path;
-    }();
-    return folder + "/" + name;
+    static Folder const folder;
+    return (folder.path / name).string();
 }
 
 std::string Bytes(std::string const& file) {
