@@ -135,6 +135,7 @@ std::size_t OffsetOf(M S::*member) {
 using impl::OffsetOf;
 
 /// The traits of an enumeration E. `words` must live as long as the process (a static table).
+/// A number that E's storage can't hold is invalid: `not_recognized` (21663) of its digits.
 template <EnumType E>
 MetaDataTraits EnumTraits(std::span<EnumWord const> words, E defaultValue) {
     auto record = std::make_shared<MetaTraitsAtomic>(MakeEnum(words, static_cast<int>(defaultValue)));

@@ -69,6 +69,7 @@ ZO_API bool CallRule(std::function<bool(void const*)> const& rule, zo::IZO const
 
 /// A value type. `value` is always an object of the row's type T (int for an enumeration), `memory` an object of the
 /// client's type, which differs from T for enumerations that are stored in fewer bytes.
+/// A record whose `type` is none of the value types has a number for T: int, as enumerations have.
 ///
 /// Outputs stay as they were on failure, unless a function says otherwise. `format` is 0 for plain text, 1 abbreviated,
 /// 2 pretty; `node` may be null. Functions marked (null) may be empty.

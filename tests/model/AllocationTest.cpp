@@ -14,14 +14,24 @@ namespace {
 thread_local std::size_t allocations = 0;
 } // namespace
 
-// Counts what the whole process allocates, the library included.
-void* operator new(std::size_t size) {
+// Counts what the whole process allocates, the library included. Every form is replaced: a block of one allocator must
+// not come back to another.
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
     ++allocations;
-    if (void* const block = std::malloc(size ? size : 1)) return block;
+    return std::malloc(size ? size : 1);
+}
+void* operator new(std::size_t size) {
+    if (void* const block = ::operator new(size, std::nothrow)) return block;
     throw std::bad_alloc();
 }
+void* operator new[](std::size_t size) { return ::operator new(size); }
+void* operator new[](std::size_t size, std::nothrow_t const&) noexcept { return ::operator new(size, std::nothrow); }
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete(void* block, std::nothrow_t const&) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::nothrow_t const&) noexcept { std::free(block); }
 
 namespace {
 

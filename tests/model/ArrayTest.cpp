@@ -5,8 +5,10 @@
 
 #include "support/describe.h"
 
+#include <functional>
 #include <limits>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -307,6 +309,28 @@ TEST_F(ArrayTest, ManyLiveArraysKeepTheirManagersApart) {
     }
     for (std::size_t i = 0; i < many.size(); i += 2) elements[i].release();
     for (std::size_t i = 0; i < many.size(); ++i) EXPECT_EQ(views[i]->SetLength(3).IsError(), i % 2 == 1);
+}
+
+TEST(ArrayThreads, ThreadsWithARegistryEachWorkSideBySide) {
+    auto const work = [](bool& done) {
+        Embankment const project;
+        bool good = true;
+        for (int i = 0; i < 300; ++i) {
+            H element = Find("Regions[0].Points[0]");
+            good = good && element && Find("Regions")->SetLength(9).IsError();
+            element.release();
+            good = good && !Find("Regions[0].Points")->Set(i % 2 ? L"1,2" : L"3,4,5").IsError();
+        }
+        done = good;
+    };
+    bool first = false;
+    bool second = false;
+    std::thread one(work, std::ref(first));
+    std::thread two(work, std::ref(second));
+    one.join();
+    two.join();
+    EXPECT_TRUE(first);
+    EXPECT_TRUE(second);
 }
 
 TEST_F(ArrayTest, APrototypesManagerIsNotShared) {
