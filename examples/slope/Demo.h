@@ -1,0 +1,19 @@
+// The main job: everything that the library does for an application, on real models, with a report that can be read.
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+
+namespace slope {
+
+/// Imports the problems of a folder's tables (one, if `problem` isn't empty), and for each: prints its tree, looks up
+/// and edits by name and by tag, provokes a refusal, saves, loads into a fresh model and compares. Files go to
+/// `outFolder`, or are temporary if that is empty. Whether all went as it should.
+bool RunDemo(std::string const& dataFolder, std::string const& problem, std::string const& outFolder, std::ostream& out,
+             std::ostream& err);
+
+/// Makes an aquifer of `count` cells, saves it, loads it into a fresh model and compares. Whether nothing changed.
+bool RunLarge(std::size_t count, std::string const& outFolder, std::ostream& out);
+
+} // namespace slope

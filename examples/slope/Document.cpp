@@ -1,0 +1,101 @@
+#include "examples/slope/Document.h"
+
+#include "examples/slope/Modules.h"
+#include "examples/slope/Text.h"
+
+#include <stdexcept>
+#include <utility>
+
+namespace slope {
+
+namespace {
+
+constexpr hzn::version::NumberKind<0> formatVersion{1, 0};
+constexpr std::size_t mostBadValues = 11; // that a load names
+
+} // namespace
+
+Document::Document() : project(std::make_shared<Project>()), registry(new zo::ZORegistry) {
+    MakeCurrent();
+    RegisterModules(project);
+}
+
+Document::~Document() {
+    // A registry that was saved from lives as long as the process; the modules see that the project is gone.
+    if (zo::ZORegistry::Instance() == registry.get()) zo::ZORegistry::SetInstance(nullptr);
+}
+
+void Document::SetContent(Project content) {
+    *project = std::move(content);
+    MakeCurrent();
+    registry->InvalidateMemory("");
+}
+
+void Document::MakeCurrent() { zo::ZORegistry::SetInstance(registry.get()); }
+
+zo::H Document::Root() {
+    MakeCurrent();
+    return registry->Root();
+}
+
+zo::H Document::Find(std::string const& name) {
+    MakeCurrent();
+    return zo::Find(name);
+}
+
+zo::H Document::FindTag(std::string const& tag) {
+    MakeCurrent();
+    return zo::FindTag(tag);
+}
+
+htl::status Document::Save(std::string const& path) {
+    MakeCurrent();
+    return zo::xml::FileWrite(Wide(path), formatVersion);
+}
+
+LoadReport Document::Load(std::string const& path) {
+    SetContent({});
+    LoadReport report;
+    double const ours = hzn::version::number::Encode(formatVersion);
+    auto const collect = [&](zo::ZOSet*, zo::xml::Unknowns& unknown, double version, zo::xml::impl::XMLError&) {
+        if (version == missing)
+            report.dropped.push_back("The document has no version, so it may be no slope project.");
+        else if (version > ours)
+            report.dropped.push_back("The document's format is version " + Decimal(version) +
+                                     ", and this application knows " + Decimal(ours) + " and below.");
+        for (auto const& [name, text] : unknown)
+            report.dropped.push_back(Narrow(name) + ": unknown element or attribute" +
+                                     (text.empty() ? "" : " \"" + Narrow(text) + "\""));
+    };
+    std::vector<htl::status> badValues;
+    report.failure = zo::xml::FileRead(Wide(path), badValues, {}, collect);
+    for (htl::status const& bad : badValues) report.dropped.push_back(Message(bad));
+    if (badValues.size() >= mostBadValues)
+        report.dropped.push_back("There may be more values like these; the first " + Count(mostBadValues) +
+                                 " are named.");
+    if (report.failure.IsError()) return report;
+
+    CheckValues_(registry->Root(), report.invalid);
+    for (std::string& broken : BrokenReferences(*project)) report.invalid.push_back(std::move(broken));
+    return report;
+}
+
+math::UnitSet Document::Units() const {
+    return hzn::units::SystemUnitSet(project->units == UnitSystem::Imperial ? math::unitsystem::Imperial
+                                                                            : math::unitsystem::Metric);
+}
+
+void Document::CheckValues_(zo::H const& parent, std::vector<std::string>& invalid) const {
+    // Loading converts values and asks no rule, so that a file with a bad value can be opened and mended.
+    for (zo::H const& node : *parent) {
+        if (!node->IsValueType()) {
+            CheckValues_(node, invalid);
+            continue;
+        }
+        if (node->GetPersistTraits().Type == meta::MetaPersistTraits::No) continue;
+        if (htl::status const refusal = node->Verify(); refusal.IsError())
+            invalid.push_back(Narrow(node->TagName(zo::FullTagType)) + ": " + Message(refusal));
+    }
+}
+
+} // namespace slope

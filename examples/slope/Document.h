@@ -1,0 +1,62 @@
+// A project with everything that the library adds to it: names, tags, and a file.
+#pragma once
+
+#include "examples/slope/Model.h"
+
+#include <zo/zo.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace slope {
+
+/// What a load came across.
+struct LoadReport {
+    htl::status failure;              ///< the file can't be opened, or isn't well-formed: with line and column
+    std::vector<std::string> dropped; ///< what the file holds and the document doesn't take: a line each
+    std::vector<std::string> invalid; ///< what was taken although a rule of the model refuses it: a line each
+
+    bool IsClean() const { return !failure.IsError() && dropped.empty() && invalid.empty(); }
+};
+
+/// An open document. Each has a registry of its own, so that several can be open at once.
+///
+/// The library's free functions work on the current registry of the thread: `MakeCurrent` before using them. The
+/// operations below see to that themselves. Nodes that came from a document must be let go before it ends.
+class Document {
+public:
+    /// An empty project. Throws std::logic_error with all mistakes if the modules are declared wrong.
+    Document();
+    Document(Document const&) = delete;
+    Document& operator=(Document const&) = delete;
+    ~Document();
+
+    Project& Content() { return *project; }
+    /// Takes over another project. No node of the old one may be held.
+    void SetContent(Project content);
+
+    void MakeCurrent();
+    zo::H Root();
+    /// The node under a name, such as "Materials[0].Cohesion"; empty if there is none. Indices count from 0.
+    zo::H Find(std::string const& name);
+    /// The node under a tag, such as "Materials[1].Cohesion"; empty if there is none. Indices count from 1.
+    zo::H FindTag(std::string const& tag);
+
+    /// Saves the document. A file that is there is replaced only when the new one is complete.
+    htl::status Save(std::string const& path);
+    /// Loads a file into the emptied document. After a failure the document holds a part of the file at most.
+    LoadReport Load(std::string const& path);
+
+    /// The units in which the document's values are stored.
+    math::UnitSet Units() const;
+
+private:
+    void CheckValues_(zo::H const& parent, std::vector<std::string>& invalid) const;
+
+    std::shared_ptr<Project> project;
+    htl::handle<zo::ZORegistry> registry;
+};
+
+} // namespace slope

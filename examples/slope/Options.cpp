@@ -1,0 +1,142 @@
+#include "examples/slope/Options.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace slope {
+
+namespace {
+
+struct Command {
+    std::string_view name, arguments, what;
+    std::size_t fewest, most;  // arguments
+    std::string_view switches; // the options that it takes
+};
+
+constexpr std::array commands{
+    Command{"run", "", "import, look up, edit, save, load and compare, and say so", 0, 0, "--problem --data --out"},
+    Command{"show", "FILE", "print the tree of a saved file", 1, 1, ""},
+    Command{"get", "FILE NAME", "print one value", 2, 2, "--tag"},
+    Command{"set", "FILE NAME VALUE", "change one value and save the file", 3, 3, "--tag"},
+    Command{"check", "FILE", "list everything that is wrong with a file", 1, 1, ""},
+    Command{"import", "PROBLEM FILE", "save a published problem as a file", 2, 2, "--data"},
+    Command{"large", "[COUNT]", "make, save, load and compare COUNT cells (106257)", 0, 1, "--out"},
+};
+
+struct Switch {
+    std::string_view name, value, what;
+};
+
+constexpr std::array switches{
+    Switch{"--problem", "ID", "run only this problem: AT1, AT2, AT3, FK1, FK3 or GL1"},
+    Switch{"--data", "DIR", "read the tables of the published problems from DIR"},
+    Switch{"--out", "DIR", "save into DIR and keep the files; without it they are temporary"},
+    Switch{"--tag", "", "NAME is a tag: as in documents, indices from 1"},
+    Switch{"--help", "", "print this text"},
+};
+
+bool Takes(Command const& command, std::string_view name) {
+    std::size_t const place = command.switches.find(name);
+    if (place == std::string_view::npos) return false;
+    std::size_t const end = place + name.size();
+    return end == command.switches.size() || command.switches[end] == ' ';
+}
+
+std::string Padded(std::string text, std::size_t width) {
+    text.resize(std::max(width, text.size() + 1), ' ');
+    return text;
+}
+
+} // namespace
+
+bool ParseOptions(std::vector<std::string> const& words, Options& options, std::string& mistake) {
+    options = {};
+    std::vector<std::string> plain, given;
+    bool onlyArguments = false;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        std::string const& word = words[i];
+        if (onlyArguments || word.size() < 2 || word[0] != '-') {
+            plain.push_back(word);
+            continue;
+        }
+        if (word == "--") {
+            onlyArguments = true;
+            continue;
+        }
+        if (word == "--help" || word == "-h") {
+            options.help = true;
+            continue;
+        }
+        auto const found =
+            std::find_if(switches.begin(), switches.end(), [&](Switch const& s) { return s.name == word; });
+        if (found == switches.end()) {
+            // A negative number is the value that is to be set.
+            if (std::string_view("0123456789.").find(word[1]) != std::string_view::npos) {
+                plain.push_back(word);
+                continue;
+            }
+            mistake = "There is no option " + word + ".";
+            return false;
+        }
+        given.push_back(word);
+        if (found->value.empty()) {
+            options.tag = true;
+            continue;
+        }
+        if (++i == words.size() || words[i].empty()) {
+            mistake = word + " needs a value.";
+            return false;
+        }
+        (word == "--problem" ? options.problem : word == "--data" ? options.data : options.out) = words[i];
+    }
+    if (options.help) return true;
+
+    if (!plain.empty()) {
+        options.command = plain.front();
+        options.arguments.assign(plain.begin() + 1, plain.end());
+    }
+    auto const command =
+        std::find_if(commands.begin(), commands.end(), [&](Command const& c) { return c.name == options.command; });
+    if (command == commands.end()) {
+        mistake = "There is no command \"" + options.command + "\".";
+        return false;
+    }
+    if (options.arguments.size() < command->fewest || options.arguments.size() > command->most) {
+        mistake = "Usage: slope " + std::string(command->name) +
+                  (command->arguments.empty() ? "" : " " + std::string(command->arguments));
+        return false;
+    }
+    for (std::string const& name : given)
+        if (!Takes(*command, name)) {
+            mistake = options.command + " takes no " + name + ".";
+            return false;
+        }
+    return true;
+}
+
+std::string HelpText() {
+    std::string text = "Published slope stability problems, as an example of the library.\n"
+                       "\n"
+                       "Usage: slope [COMMAND] [OPTIONS]\n"
+                       "\n"
+                       "Commands:\n";
+    for (Command const& command : commands)
+        text += "  " + Padded(std::string(command.name) + " " + std::string(command.arguments), 22) +
+                std::string(command.what) + (command.name == "run" ? " (no command does the same)" : "") + "\n";
+    text += "\nOptions:\n";
+    for (Switch const& option : switches)
+        text += "  " + Padded(std::string(option.name) + " " + std::string(option.value), 22) +
+                std::string(option.what) + "\n";
+    text +=
+        "\n"
+        "NAME is a name such as Materials[0].Cohesion, with indices from 0, or with --tag a tag such as\n"
+        "Materials[1].Cohesion. `show` lists both. VALUE is text as `get` prints it; behind -- it may begin with -.\n"
+        "A file is only ever replaced as a whole, and `set` doesn't touch one of which it couldn't read everything.\n"
+        "\n"
+        "Exit status: 0 all is well; 1 something was refused, differs, or is wrong with a file; 2 the command line\n"
+        "makes no sense.\n";
+    return text;
+}
+
+} // namespace slope
