@@ -1,0 +1,41 @@
+// What the tests of the example share: a folder of their own, files, and the program as a user runs it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace example {
+
+std::string ReadFile(std::string const& path);
+void WriteFile(std::string const& path, std::string const& text);
+
+/// Replaces the one place in a file that holds `from`; the test fails if there is none, or more.
+void Replace(std::string const& path, std::string const& from, std::string const& to);
+
+struct Outcome {
+    int exitStatus = -1;
+    std::string out;
+    std::string err;
+};
+
+/// Runs the application's program with its own command line.
+Outcome Slope(std::vector<std::string> const& words);
+
+/// A test with a folder that is gone afterwards.
+class FolderTest : public testing::Test {
+protected:
+    FolderTest();
+    ~FolderTest() override;
+
+    std::string File(std::string const& name) const { return folder + "/" + name; }
+
+    std::string folder;
+};
+
+/// Whether `text` holds `part`; both are shown if it doesn't.
+testing::AssertionResult Holds(std::string const& text, std::string const& part);
+
+} // namespace example
