@@ -1,6 +1,8 @@
 // Branches that are computed from indices: what is handed down, and what they refuse.
 #include "tests/registry/Rows.h"
 
+#include <algorithm>
+
 namespace {
 
 using embankment::FailsAs;

@@ -1,9 +1,9 @@
 #include "Common/registry/SetImpl.h"
 #include "tests/registry/Rows.h"
 
+#include <algorithm>
 #include <chrono>
 #include <random>
-#include <set>
 
 namespace {
 

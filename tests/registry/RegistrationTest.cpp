@@ -1,6 +1,7 @@
 // Adding rows: parents, missing parents, names and tags that are taken, and rows that come late.
 #include "tests/registry/Rows.h"
 
+#include <algorithm>
 #include <random>
 
 namespace {

@@ -293,17 +293,16 @@ public:
 
 TEST_F(TraceTest, AnAssociativeArrayHasItsNameWhileItIsWalkedThrough) {
     htl::handle<zo::ZOMemMgr> const manager(new zo::ZOArrayMemMgr(nullptr, LayersTraits()));
-    rows::OwnRegistry& rowsOf = registry;
-    rowsOf.Add("k", H(new KeyedArray(IZO::npos, nullptr, {}, manager)), L"K", LayersTraits(), &grid.a);
-    rowsOf.Add("k.[]", embankment::StructPrototype(LayerTraits()), L"", LayerTraits());
-    rowsOf.Add("k.[].b", embankment::ValuePrototype<double>(DoubleTraits()), L"B", DoubleTraits());
+    registry.Add("k", H(new KeyedArray(IZO::npos, nullptr, {}, manager)), L"K", LayersTraits(), &grid.a);
+    registry.Add("k.[]", embankment::StructPrototype(LayerTraits()), L"", LayerTraits());
+    registry.Add("k.[].b", embankment::ValuePrototype<double>(DoubleTraits()), L"B", DoubleTraits());
     EXPECT_TRUE(registry->Tables()->assocBits[rows::RowOf("k")]);
     EXPECT_FALSE(registry->Tables()->assocBits[rows::RowOf("a")]);
     H const member = zo::Find("k.At(200).b");
     ASSERT_TRUE(member);
     EXPECT_EQ(ValueOf(member), 20);
-    EXPECT_EQ(Entries().back(), member->Name());
-    member->Name();
+    EXPECT_EQ(NameOf(member), "k[2].b") << "the key's element is named by its index";
+    EXPECT_EQ(Entries(), Texts{"k[2].b"});
     EXPECT_FALSE(zo::Find("k.At(201).b"));
 }
 
