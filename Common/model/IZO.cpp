@@ -34,13 +34,6 @@ IZO::IZO(std::size_t regID, ZOSet* owner, std::size_t ownerID) : owner(owner), o
 IZO::IZO(IZO const& other)
     : htl::handle_ref_counter(other), owner(other.owner), ownerID(other.ownerID), regID(other.regID) {}
 
-IZO& IZO::operator=(IZO const& other) {
-    owner = other.owner;
-    ownerID = other.ownerID;
-    regID = other.regID;
-    return *this;
-}
-
 bool IZO::IsDefault() const {
     meta::MetaDataTraits const traits = GetDataTraits();
     if (auto const* const atomic = traits.AsAtomic()) return Ask(*this, atomic->isDefault);

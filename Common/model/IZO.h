@@ -11,6 +11,7 @@
 
 #include <concepts>
 #include <cstddef>
+#include <limits>
 #include <string>
 
 class ZORoot;
@@ -60,9 +61,11 @@ public:
 
     /// `regID` is the node's row or npos. Derived classes pass npos as owner id: only a set gives one.
     IZO(std::size_t regID, ZOSet* owner, std::size_t ownerID);
-    /// Copies the identity, the owner id included, with a count of 0.
+    /// Copies the identity, the owner id included, with a count of 0. The place in the owner stays the original's: the
+    /// copy's end doesn't touch it.
     IZO(IZO const& other);
-    /// Copies the identity and leaves the count alone.
+    /// Copies the identity and leaves the count alone. A place that this node has in its owner ends, unless the owner
+    /// counts it.
     IZO& operator=(IZO const& other);
 
 protected:
@@ -78,7 +81,8 @@ public:
     virtual bool IsUndefined() const;
     /// Number of elements of an array, 1 of any other node.
     virtual std::size_t Length() const;
-    /// Whether the present value is valid.
+    /// Whether the present value is valid: success, or the failure of the type's check. Always success while the owner
+    /// has its validation switched off, and for a node without a value.
     virtual htl::status Verify() const;
     /// How the node persists. A node without a row gives default traits.
     virtual meta::MetaPersistTraits GetPersistTraits() const;
@@ -107,17 +111,26 @@ public:
     virtual htl::status Assign(H const& source);
 
 protected:
+    /// One step of a lookup: the child of exactly this sub-name, empty if there is none. The node is fresh, with no
+    /// entry; the base gives the registered child, live where the owner is the current registry, else its default.
     virtual H GetSubZO(std::string const& name);
+    /// Lets `trait` act on the value and writes back what it changed. Returns the trait's failure or that of the write,
+    /// in visible units. A node without a value fails with `not_supported("<IZO>")`.
     virtual htl::status CallValueTypeTrait(IZOAccessValueTypeTrait& trait);
+    /// The node became the prototype of row `regID`. An override calls its base.
     virtual void OnRegistration(std::size_t regID);
+    /// Client memory below this node went away or moved: what was kept of it has to be dropped.
     virtual void OnInvalidateMemory();
+    /// Changes the length, which is known to differ. A node that is no array fails with `not_supported("")`.
     virtual htl::status Resize(std::size_t const& length);
+    /// Moves a walk of this node's children to the next one, or to the end.
     virtual void GetNextSubZO(ZOFwrdIterator& position);
 
 public:
     /// Writes a wide literal as text.
     htl::status Set(wchar_t const* text) { return Set(std::wstring(text ? text : L"")); }
-    /// Writes any whole number as a 64-bit integer; a value above its range fails with `out_of_range` of the text.
+    /// Writes any whole number as a 64-bit integer. A value above that range is written as its digits, so a node that
+    /// holds it takes it; any other fails as its conversion from text does.
     template <class V>
     requires(std::integral<V> && !std::same_as<V, bool> && !std::same_as<V, htl::Int64> && !std::same_as<V, wchar_t> &&
              !std::same_as<V, char>) htl::status Set(V value) {
@@ -162,6 +175,7 @@ private:
     ZOSet* owner;
     std::size_t ownerID;
     std::size_t regID;
+    bool entered = false; // a set gave this very object its place, which ends with it
 };
 
 /// A position in a walk over a node's children.
@@ -198,7 +212,10 @@ struct ZO_API NodeAccess {
     static void SetOwner(IZO& node, ZOSet* owner, std::size_t ownerID) noexcept {
         node.owner = owner;
         node.ownerID = ownerID;
+        node.entered = ownerID != IZO::npos;
     }
+    /// Whether a set gave this very node its place; a copy only knows the place of its original.
+    static bool IsEntered(IZO const& node) noexcept { return node.entered; }
     static void SetRegID(IZO& node, std::size_t regID) noexcept { node.regID = regID; }
 };
 
@@ -207,16 +224,26 @@ struct ZO_API NodeAccess {
 /// The failures of this library. One place knows each identifier and the order of its arguments.
 namespace ZOError {
 
+/// 21654: elements of the array are in use, so it can't be resized.
 ZO_API htl::status array_memory_conflict();
+/// 21655: a name is taken.
 ZO_API htl::status duplicate_name();
+/// 21656: the value couldn't be put where the file says, and why; the cause is nested as its text.
 ZO_API htl::status file_assign(std::wstring const& name, std::wstring const& value, htl::status const& cause);
+/// 21658: an element's attribute holds no value of its sort.
 ZO_API htl::status file_invalid_element_attribute(std::wstring const& element, std::wstring const& attribute,
                                                   std::wstring const& value);
+/// 21659: a text that is no name.
 ZO_API htl::status invalid_name(std::string const& name);
+/// 21660: nothing stands under the name.
 ZO_API htl::status not_found(std::string const& name);
+/// 21661: the node can't do this; `what` is often its type's name, and empty for operations that have no type.
 ZO_API htl::status not_supported(std::string const& what);
+/// 21662: a number outside its bounds, which are both allowed values.
 ZO_API htl::status out_of_bounds(int value, int lowest, int highest);
+/// 21663: a text that is none of the words.
 ZO_API htl::status not_recognized(std::wstring const& text);
+/// 29130: what the text names is not visible.
 ZO_API htl::status not_visible(std::wstring const& text);
 
 } // namespace ZOError

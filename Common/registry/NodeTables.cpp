@@ -56,7 +56,17 @@ H FindElement(ZOSet& set, ZOArray* array, std::size_t index) { return set.Find(a
 } // namespace impl::tables
 
 IZO::~IZO() {
-    if (owner && ownerID != npos) owner->Impl()->Leave(this, ownerID);
+    if (entered) owner->Impl()->Leave(this, ownerID);
+}
+
+IZO& IZO::operator=(IZO const& other) {
+    if (this == &other) return *this;
+    ZOSetImpl::LeavePlace(*this);
+    owner = other.owner;
+    ownerID = other.ownerID;
+    regID = other.regID;
+    entered = false;
+    return *this;
 }
 
 meta::MetaDataTraits IZO::GetDataTraits() const {

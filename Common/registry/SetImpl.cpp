@@ -151,7 +151,7 @@ void ZOSetImpl::Enter(ZOSet* set, std::string_view name, IZO* node, bool visible
 }
 
 void ZOSetImpl::LeavePlace(IZO const& node) noexcept {
-    if (!node.Owner() || node.OwnerID() == IZO::npos) return;
+    if (!NodeAccess::IsEntered(node)) return;
     ZOSetImpl& owner = *node.Owner()->Impl();
     std::size_t const place = node.OwnerID();
     if (place < owner.entryOrder.size() && owner.entryOrder[place] && !owner.entryOrder[place]->counted)
@@ -174,7 +174,7 @@ void ZOSetImpl::ReleaseAll() noexcept {
     all.swap(entryOrder);
     // All owners first: the end of one node may end others, and none may reach into these tables any more.
     for (SetEntry* entry : all)
-        if (entry && entry->node->OwnerID() == entry->position && entry->node->Owner() &&
+        if (entry && NodeAccess::IsEntered(*entry->node) && entry->node->OwnerID() == entry->position &&
             entry->node->Owner()->Impl() == this)
             NodeAccess::SetOwner(*entry->node, nullptr, IZO::npos);
     for (SetEntry* entry : all) {

@@ -28,12 +28,14 @@ htl::handle<ZORegistry>& DefaultHandle() {
 
 ZORegistry* DefaultRegistry() {
     // The guard of a function static: made once, whichever thread comes first.
-    static ZORegistry* const registry = [] {
+    [[maybe_unused]] static bool const made = [] {
         DefaultHandle() = htl::handle<ZORegistry>(new ZORegistry);
         std::atexit([] { DefaultHandle().release(); });
-        return DefaultHandle().get();
+        return true;
     }();
-    return registry;
+    // A static of a client that asks while the process ends gets an empty one.
+    if (!DefaultHandle()) DefaultHandle() = htl::handle<ZORegistry>(new ZORegistry);
+    return DefaultHandle().get();
 }
 
 bool IsNormalForm(std::string const& name) {
@@ -45,7 +47,22 @@ bool IsNormalForm(std::string const& name) {
 
 thread_local constinit ZORegistryImpl* impl::currentTables = nullptr;
 
-ZORegistryImpl& impl::UseDefaultRegistry() { return *(currentTables = DefaultRegistry()->Tables()); }
+namespace {
+
+// Beside its tables, so that the registry before can be given back without being asked: it may be gone.
+thread_local constinit ZORegistry* current = nullptr;
+
+void MakeCurrent(ZORegistry* registry) {
+    current = registry;
+    impl::currentTables = registry ? registry->Tables() : nullptr;
+}
+
+} // namespace
+
+ZORegistryImpl& impl::UseDefaultRegistry() {
+    MakeCurrent(DefaultRegistry());
+    return *currentTables;
+}
 
 ZORegistry::ZORegistry() : ZOSet(std::make_unique<ZORegistryImpl>(this), {}, {}) {
     meta::MetaPersistTraits const persist(meta::MetaPersistTraits::Always, str::as_wstring(RootName()));
@@ -57,14 +74,15 @@ ZORegistry::ZORegistry() : ZOSet(std::make_unique<ZORegistryImpl>(this), {}, {})
 }
 
 ZORegistry::~ZORegistry() {
-    if (impl::currentTables == Impl()) impl::currentTables = nullptr;
+    if (current == this) MakeCurrent(nullptr);
 }
 
 ZORegistry* ZORegistry::Instance() { return Current().owner; }
 
 ZORegistry* ZORegistry::SetInstance(ZORegistry* registry) {
-    ZORegistryImpl* const before = std::exchange(impl::currentTables, registry ? registry->Tables() : nullptr);
-    return before ? before->owner : nullptr;
+    ZORegistry* const before = current;
+    MakeCurrent(registry);
+    return before;
 }
 
 std::string ZORegistry::RootName() { return "HZNData"; }

@@ -2,6 +2,7 @@
 #include "tests/registry/Rows.h"
 
 #include <atomic>
+#include <memory>
 #include <thread>
 
 namespace {
@@ -25,6 +26,19 @@ TEST(InstanceTest, EveryThreadBeginsWithTheDefaultRegistry) {
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(first, second);
     EXPECT_EQ(second, third) << "asking stored it";
+}
+
+TEST(InstanceTest, TheRegistryBeforeIsGivenBackWithoutBeingAsked) {
+    zo::ZORegistry* gone = nullptr;
+    zo::ZORegistry* before = nullptr;
+    std::thread([&] {
+        auto own = std::make_unique<htl::handle<zo::ZORegistry>>(new zo::ZORegistry);
+        gone = own->get();
+        zo::ZORegistry::SetInstance(gone);
+        std::thread([&] { own.reset(); }).join(); // its end on another thread leaves this thread's slot
+        before = zo::ZORegistry::SetInstance(nullptr);
+    }).join();
+    EXPECT_EQ(before, gone);
 }
 
 TEST(InstanceTest, NullSendsTheThreadBackToTheDefault) {
