@@ -3,7 +3,9 @@
 #include "support/number.h"
 #include "support/text.h"
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <utility>
 
 namespace meta {
@@ -179,7 +181,8 @@ struct WholeRow {
 private:
     static ParseResult Parse_(std::wstring_view text, N& number) noexcept {
         if constexpr (sizeof(N) < sizeof(short)) {
-            short wide = 0;
+            // Without a sign, as every unsigned row.
+            unsigned short wide = 0;
             ParseResult const read = math::ParseInteger(text, wide);
             if (read == ParseResult::Ok && !std::in_range<std::uint8_t>(wide)) return ParseResult::OutOfRange;
             number = static_cast<N>(wide);
@@ -568,6 +571,24 @@ MetaTraitsAtomic MakeEnum(std::span<EnumWord const> table, int defaultValue) {
         for (EnumWord const& word : words.words) out.emplace_back(Words::Text(word, which));
     };
     return record;
+}
+
+impl::EnumRange impl::RangeOfWords(MetaTraitsAtomic const& record) {
+    std::vector<std::wstring> texts;
+    record.valueList(texts, 0);
+    int number = 0;
+    record.setDefault(&number);
+    bool isSigned = false;
+    unsigned bits = 0;
+    auto const include = [&](int value) {
+        isSigned = isSigned || value < 0;
+        bits |= static_cast<unsigned>(value < 0 ? ~value : value);
+    };
+    include(number);
+    for (std::wstring const& text : texts)
+        if (!record.fromWide(text, &number, 0, nullptr).IsError()) include(number);
+    int const highest = static_cast<int>(std::bit_ceil(std::uint64_t(bits) + 1) - 1);
+    return {isSigned ? -highest - 1 : 0, highest};
 }
 
 } // namespace meta

@@ -9,6 +9,7 @@
 #include <array>
 #include <concepts>
 #include <cstddef>
+#include <cstring>
 #include <deque>
 #include <limits>
 #include <memory>
@@ -91,7 +92,8 @@ extern template ZO_API MetaDataTraits const& AtomicTraits<std::string>();
 extern template ZO_API MetaDataTraits const& AtomicTraits<std::wstring>();
 extern template ZO_API MetaDataTraits const& AtomicTraits<DataParamType>();
 
-/// One value of an enumeration with its three texts: in documents and `Set`, abbreviated, pretty.
+/// One value of an enumeration, within the range of int, with its three texts: in documents and `Set`, abbreviated,
+/// pretty.
 struct EnumWord {
     htl::Int64 value;
     std::wstring_view text, abbreviated, pretty;
@@ -104,20 +106,58 @@ ZO_API MetaTraitsAtomic MakeEnum(std::span<EnumWord const> words, int defaultVal
 
 namespace impl {
 
+/// The numbers that an enumeration's storage can hold, the ends included.
+struct EnumRange {
+    int lowest = std::numeric_limits<int>::min();
+    int highest = std::numeric_limits<int>::max();
+
+    bool Holds(int number) const noexcept { return number >= lowest && number <= highest; }
+};
+/// What the bits of the words and of the default can say. `record` is a fresh one of `MakeEnum`.
+ZO_API EnumRange RangeOfWords(MetaTraitsAtomic const& record);
+
+// A number initialises an enumeration only where the type behind it is fixed.
+template <class E>
+inline constexpr bool hasFixedType = requires {
+    E{0};
+};
+
 template <EnumType E>
 void StoreAsEnum(MetaTraitsAtomic& record) {
+    static_assert(sizeof(E) <= sizeof(int), "an enumeration is read and written as an int");
+    using Stored = std::underlying_type_t<E>;
+    EnumRange range;
+    // Without a fixed type only the enumerators' bits are values, and the words are what is known of the enumerators.
+    if constexpr (!hasFixedType<E>)
+        range = RangeOfWords(record);
+    else if constexpr (sizeof(Stored) < sizeof(int))
+        range = {std::numeric_limits<Stored>::min(), std::numeric_limits<Stored>::max()};
+
     record.byteSize = sizeof(E);
     record.type = &typeid(E);
+    // As the stored type: a number that is no value of E must not pass as one.
     record.read = [](void const* memory, void* value) {
-        *static_cast<int*>(value) = static_cast<int>(*static_cast<E const*>(memory));
+        Stored stored;
+        std::memcpy(&stored, memory, sizeof stored);
+        *static_cast<int*>(value) = static_cast<int>(stored);
     };
     record.write = [](void* memory, void const* value) {
-        *static_cast<E*>(memory) = static_cast<E>(*static_cast<int const*>(value));
+        auto const stored = static_cast<Stored>(*static_cast<int const*>(value));
+        std::memcpy(memory, &stored, sizeof stored);
     };
-    // A number without a word is taken as text: what E can't hold would come back as another value.
-    record.isValid = [](void const* value, zo::IZO const*, MetaDataTraits const&) {
+    // A number without a word is taken as text: what E can't hold would come back as another value. The conversion sees
+    // to it, since documents are read while validation is off; the check is for values that come as they are.
+    record.fromWide = [range, convert = std::move(record.fromWide)](std::wstring const& text, void* value, int format,
+                                                                    zo::IZO const* node) {
+        int number = 0;
+        if (htl::status failure = convert(text, &number, format, node); failure.IsError()) return failure;
+        if (!range.Holds(number)) return htl::status(21663, text);
+        *static_cast<int*>(value) = number;
+        return htl::status();
+    };
+    record.isValid = [range](void const* value, zo::IZO const*, MetaDataTraits const&) {
         int const number = *static_cast<int const*>(value);
-        return std::in_range<std::underlying_type_t<E>>(number) ? htl::status() : htl::status(21663, number);
+        return range.Holds(number) ? htl::status() : htl::status(21663, number);
     };
 }
 
@@ -135,7 +175,9 @@ std::size_t OffsetOf(M S::*member) {
 using impl::OffsetOf;
 
 /// The traits of an enumeration E. `words` must live as long as the process (a static table).
-/// A number that E's storage can't hold is invalid: `not_recognized` (21663) of its digits.
+///
+/// A number that E can't hold is refused as text and invalid as a value: `not_recognized` (21663). An enumeration
+/// without a fixed underlying type holds what the bits of its words can say, as its enumerators define it.
 template <EnumType E>
 MetaDataTraits EnumTraits(std::span<EnumWord const> words, E defaultValue) {
     auto record = std::make_shared<MetaTraitsAtomic>(MakeEnum(words, static_cast<int>(defaultValue)));

@@ -204,7 +204,7 @@ TEST(ByteRow, HoldsZeroTo255) {
     EXPECT_EQ(row.FromText(L"255"), 255);
     EXPECT_TRUE(FailsAs(row.TextFailure(L"256", 5), WholeOutOfRange(L"256")));
     EXPECT_TRUE(FailsAs(row.TextFailure(L"99999", 5), WholeOutOfRange(L"99999")));
-    EXPECT_TRUE(row.TextFailure(L"-1", 5).IsError());
+    EXPECT_TRUE(FailsAs(row.TextFailure(L"-1", 5), BadWhole(L"-1")));
     EXPECT_TRUE(FailsAs(row.Int64Failure(256, 5), WholeOutOfRange(L"256")));
     EXPECT_TRUE(FailsAs(row.Int64Failure(missingInt64, 5), WholeOutOfRange(L"9223372036854775807")));
     EXPECT_TRUE(FailsAs(row.DoubleFailure(255.5, 5), WholeOutOfRange(L"255.5")));
@@ -522,6 +522,55 @@ TEST(EnumerationRow, FindsANumberInvalidThatItsStorageCantHold) {
     EXPECT_TRUE(FailsAs(row.Record().isValid(&large, nullptr, row.Traits()), zo::ZOError::not_recognized(L"300")));
 }
 
+TEST(EnumerationRow, RefusesTextThatItsStorageCantHold) {
+    Row<int> const row(embankment::DrainageTraits());
+    EXPECT_EQ(row.FromText(L"255"), 255);
+    EXPECT_TRUE(FailsAs(row.TextFailure(L"256", 1), zo::ZOError::not_recognized(L"256")));
+    EXPECT_TRUE(FailsAs(row.TextFailure(L"-1", 1), zo::ZOError::not_recognized(L"-1")));
+}
+TEST(EnumerationRow, WithoutAFixedTypeHoldsTheBitsOfItsWords) {
+    enum Section { Circle, Square, Hexagon = 5 }; // three bits
+    static constexpr meta::EnumWord words[] = {{0, L"Circle", L"C", L"Circle"}, {5, L"Hexagon", L"H", L"Hexagon"}};
+    Row<int> const row(meta::EnumTraits<Section>(words, Circle));
+    EXPECT_EQ(row.FromText(L"1"), Square);
+    EXPECT_EQ(row.FromText(L"7"), 7);
+    EXPECT_TRUE(FailsAs(row.TextFailure(L"8", 1), zo::ZOError::not_recognized(L"8")));
+    EXPECT_TRUE(FailsAs(row.TextFailure(L"-1", 1), zo::ZOError::not_recognized(L"-1")));
+
+    enum Side { Outer = -3, Inner = 2 }; // two bits and a sign
+    static constexpr meta::EnumWord sides[] = {{2, L"Inner", L"I", L"Inner"}};
+    Row<int> const side(meta::EnumTraits<Side>(sides, Outer));
+    EXPECT_EQ(side.FromText(L"-4"), -4);
+    EXPECT_EQ(side.FromText(L"3"), 3);
+    EXPECT_TRUE(FailsAs(side.TextFailure(L"-5", 1), zo::ZOError::not_recognized(L"-5")));
+    EXPECT_TRUE(FailsAs(side.TextFailure(L"4", 1), zo::ZOError::not_recognized(L"4")));
+}
+TEST(EnumerationRow, MayBeStoredInAnyTypeOfWholeNumber) {
+    enum class Grade : char { Fine = 'f', Coarse = 'c' };
+    static constexpr meta::EnumWord grades[] = {{'f', L"Fine", L"F", L"Fine"}, {'c', L"Coarse", L"C", L"Coarse"}};
+    Row<int> const grade(meta::EnumTraits<Grade>(grades, Grade::Fine));
+    EXPECT_EQ(grade.FromText(L"Coarse"), 'c');
+    EXPECT_TRUE(FailsAs(grade.TextFailure(L"300", 'f'), zo::ZOError::not_recognized(L"300")));
+
+    enum class Frozen : bool { No, Yes };
+    static constexpr meta::EnumWord answers[] = {{0, L"No", L"N", L"No"}, {1, L"Yes", L"Y", L"Yes"}};
+    Row<int> const frozen(meta::EnumTraits<Frozen>(answers, Frozen::No));
+    EXPECT_EQ(frozen.FromText(L"Yes"), 1);
+    EXPECT_TRUE(FailsAs(frozen.TextFailure(L"2", 1), zo::ZOError::not_recognized(L"2")));
+
+    enum class Flags : unsigned { None = 0 };
+    static constexpr meta::EnumWord flags[] = {{0, L"None", L"-", L"None"}};
+    Row<int> const all(meta::EnumTraits<Flags>(flags, Flags::None));
+    auto memory = static_cast<Flags>(0xFFFFFFFFu);
+    int value = 0;
+    all.Record().read(&memory, &value);
+    EXPECT_EQ(all.Text(value), L"-1");
+    value = all.FromText(L"-1");
+    EXPECT_TRUE(Succeeds(all.Record().isValid(&value, nullptr, all.Traits()))) << "every bit may be set";
+    memory = Flags::None;
+    all.Record().write(&memory, &value);
+    EXPECT_EQ(static_cast<unsigned>(memory), 0xFFFFFFFFu);
+}
 TEST(EnumerationRow, IsStoredInTheWidthOfItsType) {
     meta::MetaDataTraits const traits = embankment::DrainageTraits();
     EXPECT_EQ(traits.Descriptor()->byteSize, 1u);

@@ -2,6 +2,7 @@
 #include "Common/model/ZOWrapper.h"
 #include "Common/registry/Find.h"
 #include "Common/registry/RegistryImpl.h"
+#include "Common/registry/SetImpl.h"
 #include "tests/fixtures/Embankment.h"
 
 #include "support/describe.h"
@@ -65,6 +66,12 @@ TEST_F(WrapperTest, AnEnumerationWritesItsOwnBytesAlone) {
     EXPECT_EQ(Soils()[0].color, 255u);
     EXPECT_TRUE(FailsAs(Find("Soils[0].Drainage")->Set(L"300"), zo::ZOError::not_recognized(L"300")));
     EXPECT_EQ(Soils()[0].drainage, Drainage::Partial);
+}
+
+TEST_F(WrapperTest, ANumberThatAnEnumerationCantHoldIsRefusedAlsoWhileNothingIsChecked) {
+    zo::TrackingSuspension const suspended(*embankment.registry->Impl());
+    EXPECT_TRUE(FailsAs(Find("Soils[0].Drainage")->Set(L"300"), zo::ZOError::not_recognized(L"300")));
+    EXPECT_EQ(Soils()[0].drainage, Drainage::Undrained);
 }
 
 TEST_F(WrapperTest, APrototypeIsUndefinedAndItsViewIsNot) {
