@@ -2,12 +2,13 @@
 
 #include "support/int64.h"
 
+#include <cstddef>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <shared_mutex>
 #include <string_view>
-#include <typeindex>
 #include <unordered_map>
 #include <utility>
 
@@ -49,10 +50,17 @@ std::string MakeName(std::type_info const& type) {
     return name;
 }
 
+// Lets a table of strings be asked with a view.
+struct HashOfText {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const noexcept { return std::hash<std::string_view>()(text); }
+};
+
 struct Cache {
     std::shared_mutex access;
+    // By the compiler's name and not by the type itself, which goes away with the module that it belongs to.
     // Each text has a node of its own, so references stay good while the table grows.
-    std::unordered_map<std::type_index, std::string> names;
+    std::unordered_map<std::string, std::string, HashOfText, std::equal_to<>> names;
 };
 
 } // namespace
@@ -60,14 +68,14 @@ struct Cache {
 std::string const& TypeName(std::type_info const& type) {
     // Never freed: statics of client modules may still ask while the process ends.
     static Cache& cache = *new Cache;
-    std::type_index const key(type);
+    std::string_view const key = type.name();
     {
         std::shared_lock const reading(cache.access);
         if (auto const row = cache.names.find(key); row != cache.names.end()) return row->second;
     }
     std::string name = MakeName(type);
     std::unique_lock const writing(cache.access);
-    return cache.names.try_emplace(key, std::move(name)).first->second;
+    return cache.names.try_emplace(std::string(key), std::move(name)).first->second;
 }
 
 } // namespace meta

@@ -3,9 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <thread>
+#include <typeinfo>
 #include <vector>
 
 enum class DataParamType : std::int32_t;
@@ -59,6 +62,24 @@ TEST(TypeNameTest, ATextStaysWhereItIs) {
 
 template <int N>
 struct Numbered {};
+
+/// A type of a module that may be unloaded.
+class LoadedType : public std::type_info {
+public:
+    explicit LoadedType(char const* name) : std::type_info(name) {}
+};
+
+TEST(TypeNameTest, ATextStaysWhenTheTypeGoesAwayWithItsModule) {
+    auto name = std::make_unique<std::array<char, 20>>(std::array<char, 20>{"N6module6AnchorE"});
+    auto type = std::make_unique<LoadedType>(name->data());
+    std::string const& text = TypeName(*type);
+    EXPECT_EQ(text, "module::Anchor");
+    name->fill('x'); // other data takes its place
+    type.reset();
+    name.reset();
+    LoadedType const loadedAgain("N6module6AnchorE");
+    EXPECT_EQ(&TypeName(loadedAgain), &text);
+}
 
 TEST(TypeNameTest, ThreadsMayAskAtTheSameTime) {
     std::vector<std::string const*> texts(8);
