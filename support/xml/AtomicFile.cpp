@@ -38,23 +38,27 @@ AtomicFile::~AtomicFile() { Discard_(); }
 htl::status AtomicFile::Open(std::wstring const& name) {
     shownName = name;
     if (htl::status failure = native_path(target, name); failure.IsError()) return failure;
-    if (htl::status failure = Follow_(target); failure.IsError()) return failure;
-
     struct stat old = {};
     bool const exists = ::stat(target.c_str(), &old) == 0;
     if (!exists && errno != ENOENT) return Failure_(errno);
+    // By the name as it was given: the link to an open pipe (/dev/stdout) names nothing that could be opened.
     if (exists && !S_ISREG(old.st_mode)) {
         descriptor = ::open(target.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
         return descriptor < 0 ? Failure_(errno) : htl::status();
     }
+    if (htl::status failure = Follow_(target); failure.IsError()) return failure;
     // A rename asks for no right to write the file itself, but whoever took that right away meant it.
     if (exists && ::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) return Failure_(errno);
     if (htl::status failure = OpenTemporary_(target); failure.IsError()) return failure;
     if (!exists) return {};
 
     mode_t mode = old.st_mode & 07777;
-    // Under another owner the bits that lend the owner's rights would lend somebody else's.
-    if (::fchown(descriptor, old.st_uid, old.st_gid) != 0) mode &= 0777;
+    if (::fchown(descriptor, old.st_uid, old.st_gid) != 0) {
+        // Under another owner the bits that lend the owner's rights would lend somebody else's.
+        mode &= 0777;
+        // The file of a group stays with it, whoever of the group saves; who doesn't belong to it can't give it away.
+        (void)!::fchown(descriptor, static_cast<uid_t>(-1), old.st_gid);
+    }
     if (::fchmod(descriptor, mode) == 0) return {};
     int const reason = errno;
     Discard_();

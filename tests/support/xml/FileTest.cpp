@@ -3,6 +3,7 @@
 #include "support/xml/AtomicFile.h"
 
 #include <fcntl.h>
+#include <grp.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -76,12 +77,14 @@ private:
     rlimit old = {};
 };
 
-// Runs `check` in a process of its own without the rights of the superuser. Whether it said true.
+// Runs `check` in a process of its own without the rights of the superuser, as a member of `group` if this is one.
+// Whether it said true.
 template <class F>
-bool HoldsWithoutRights(F&& check) {
+bool HoldsWithoutRights(F&& check, gid_t group = 65534) {
     pid_t const child = ::fork();
     if (child == 0) {
-        if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) ::_exit(2);
+        if (::geteuid() == 0 && (::setgroups(1, &group) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0))
+            ::_exit(2);
         ::_exit(check() ? 0 : 1);
     }
     int state = 0;
@@ -284,6 +287,34 @@ TEST_F(XmlFileTest, DevicesAndPipesAreWrittenDirectly) {
     EXPECT_FALSE(failure.IsError());
     EXPECT_EQ(received, document);
     EXPECT_TRUE(fs::is_fifo(Target()));
+}
+
+TEST_F(XmlFileTest, LinkToAnOpenPipeIsWrittenDirectly) {
+    int ends[2] = {};
+    ASSERT_EQ(::pipe(ends), 0);
+    htl::status const failure = sys::file::XmlFileWrite(L"/proc/self/fd/" + std::to_wstring(ends[1]), WriterOf(model));
+    ::close(ends[1]);
+    std::string received(4096, '\0');
+    ssize_t const size = ::read(ends[0], received.data(), received.size());
+    ::close(ends[0]);
+    EXPECT_FALSE(failure.IsError()) << testing::PrintToString(failure.AsWString());
+    EXPECT_EQ(received.substr(0, size < 0 ? 0 : static_cast<std::size_t>(size)), document);
+}
+
+TEST_F(XmlFileTest, FileOfAGroupStaysWithItWhoeverSaves) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only the superuser can make files of others";
+    constexpr gid_t group = 4321;
+    MakeFile(Target(), oldContent);
+    ASSERT_EQ(::chown(Target().c_str(), 1234, group), 0);
+    fs::permissions(Target(), fs::perms(0664));
+    fs::permissions(directory, fs::perms(0777));
+    EXPECT_TRUE(HoldsWithoutRights([&] { return !Write(Target(), model).IsError(); }, group));
+    EXPECT_EQ(FileText(Target()), document);
+    struct stat saved = {};
+    ASSERT_EQ(::stat(Target().c_str(), &saved), 0);
+    EXPECT_EQ(saved.st_uid, 65534u);
+    EXPECT_EQ(saved.st_gid, group);
+    EXPECT_EQ(saved.st_mode & 07777, 0664u);
 }
 
 TEST_F(XmlFileTest, MissingRightsLeaveTheOldFile) {
