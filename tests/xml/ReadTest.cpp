@@ -424,6 +424,45 @@ TEST_F(ReadTest, SetWithoutRootReadsEverythingIntoNothing) {
     EXPECT_TRUE(set->Impl()->validateValues);
 }
 
+/// A set that gives out another set's nodes and writes down what it was asked for.
+class LentSet final : public zo::ZOSet {
+public:
+    explicit LentSet(htl::handle<zo::ZOSet> const& lender) : ZOSet(std::make_unique<zo::ZOSetImpl>(), lender, {}) {}
+    using ZOSet::Find;
+    H Find(zo::ZOArray* array, std::size_t index) override {
+        asked.push_back(std::to_string(index));
+        return source->Find(array, index);
+    }
+    H Find(H const& node, std::string const& name) override {
+        asked.push_back(name);
+        return source->Find(node, name);
+    }
+    H Find(std::string const& name) override {
+        asked.push_back(name);
+        return source->Find(name);
+    }
+    htl::status Insert(std::string const&, H const&) override { return ZOError::not_supported(""); }
+    htl::status InsertTemporary(std::string const&, H const&) override { return ZOError::not_supported(""); }
+
+    std::vector<std::string> asked;
+
+protected:
+    ~LentSet() override = default;
+};
+
+TEST_F(ReadTest, ImportResolvesNamesThroughTheSetItIsGiven) {
+    htl::handle<LentSet> const set(new LentSet(rows.registry));
+    Loaded const loaded = Import(
+        L"<Alpha>7</Alpha><Project><Points Len=\"1\"><Point X=\"3\" Z=\"9\"/></Points></Project>", {}, set.get());
+    EXPECT_TRUE(loaded.errors.empty());
+    EXPECT_EQ(loaded.unknown, (zo::xml::Unknowns{{L"HZNData.Project.Points[1].Z", L"9"}}));
+    EXPECT_EQ(alpha, 7);
+    ASSERT_EQ(project.Points.size(), 1u);
+    EXPECT_EQ(project.Points[0].X, 3);
+    EXPECT_EQ(set->asked, (std::vector<std::string>{"HZNData", "Alpha", "Project", "Points", "0", "X"}));
+    EXPECT_TRUE(set->Impl()->validateValues);
+}
+
 TEST_F(ReadTest, TwoThreadsLoadAndSaveRegistriesOfTheirOwn) {
     std::vector<std::thread> threads;
     std::array<std::wstring, 2> saved;
