@@ -45,7 +45,7 @@ public:
     void Run() {
         for (EnumPlan const& declared : plan.enums)
             declared.words->Check([&](std::wstring const& text) {
-                plan.Complain(declared.place, Quoted_(meta::TypeName(*declared.type)) + L": " + text + L".");
+                plan.Complain(declared.place, Quoted_(meta::TypeName(*declared.type)) + L": " + text);
             });
         for (RecordPlan const& record : plan.records) CheckRecord_(record);
         CheckBranches_();
@@ -98,7 +98,8 @@ private:
                 Complain_(line, L"the name is taken in " + Quoted_(record.name) + L".");
             if (std::wstring_view const tag = SplitTag(line.tag).first; !tag.empty() && !tags.insert(tag).second)
                 Complain_(line, L"the tag " + Quoted_(tag) + L" is taken in " + Quoted_(record.name) + L".");
-            if (!slots.insert(line.shape.slot).second)
+            // The description of a structure is its type's, wherever it is used.
+            if (line.shape.kind != Shape::Record && !slots.insert(line.shape.slot).second)
                 Complain_(line, L"this part of " + Quoted_(record.name) + L" is declared already.");
             CheckShape_(line, line.shape);
             if (record.options.attributes && line.persist != Persist::Never) CheckAttribute_(record, line);
@@ -125,7 +126,7 @@ private:
             if (shape.value->EnumType() && !words)
                 Complain_(line, L"the enumeration " + Quoted_(meta::TypeName(*shape.value->EnumType())) +
                                     L" is not declared.");
-            shape.value->Check(words, [&](std::wstring const& text) { Complain_(line, text + L"."); });
+            shape.value->Check(words, [&](std::wstring const& text) { Complain_(line, text); });
             return;
         }
         case Shape::Record:

@@ -23,7 +23,7 @@
 
 namespace zo::kit::impl {
 
-/// Takes the text of a mistake.
+/// Takes the text of a mistake, a sentence.
 using Complain = std::function<void(std::wstring text)>;
 
 /// An enumeration's words with texts of their own, so that a declaration may hand over a temporary table.
@@ -48,23 +48,24 @@ struct WordTable {
 
     /// A document would give back another value, or none, where words are not told apart.
     void Check(Complain const& complain) const {
-        if (words.empty()) complain(L"an enumeration needs words");
+        if (words.empty()) complain(L"an enumeration needs words.");
         std::set<htl::Int64> values;
         std::set<std::wstring_view> plain, abbreviated, pretty;
         for (meta::EnumWord const& word : words) {
-            if (!std::in_range<int>(word.value)) complain(L"the value " + std::to_wstring(word.value) + L" is no int");
-            if (!values.insert(word.value).second) complain(L"two words have the value " + std::to_wstring(word.value));
-            if (word.text.empty()) complain(L"a word needs a text");
+            if (!std::in_range<int>(word.value)) complain(L"the value " + std::to_wstring(word.value) + L" is no int.");
+            if (!values.insert(word.value).second)
+                complain(L"two words have the value " + std::to_wstring(word.value) + L".");
+            if (word.text.empty()) complain(L"a word needs a text.");
             auto const distinct = [&complain](std::set<std::wstring_view>& seen, std::wstring_view text) {
                 if (!text.empty() && !seen.insert(text).second)
-                    complain(L"two words have the text {" + std::wstring(text) + L"}");
+                    complain(L"two words have the text {" + std::wstring(text) + L"}.");
             };
             distinct(plain, word.text);
             distinct(abbreviated, word.abbreviated);
             distinct(pretty, word.pretty);
             int number = 0;
             if (math::ParseInteger(word.text, number) == math::ParseResult::Ok && number != word.value)
-                complain(L"the text {" + std::wstring(word.text) + L"} is the number of another value");
+                complain(L"the text {" + std::wstring(word.text) + L"} is the number of another value.");
         }
     }
     /// Whether no text would be taken apart in a list with commas.
@@ -164,16 +165,16 @@ public:
 
     void Check(Words const& words, Complain const& complain) const override {
         if (options.min && options.max && *options.min > *options.max)
-            complain(L"the range from " + TextOf(*options.min) + L" to " + TextOf(*options.max) + L" is empty");
-        if (options.missing && options.noMissing) complain(L"a missing value is named and refused");
+            complain(L"the range from " + TextOf(*options.min) + L" to " + TextOf(*options.max) + L" is empty.");
+        if (options.missing && options.noMissing) complain(L"a missing value is named and refused.");
         if constexpr (meta::EnumType<T>) {
-            if (options.missing) complain(L"an enumeration has no missing value");
+            if (options.missing) complain(L"an enumeration has no missing value.");
             if (words && !ReadOnly_() && !words->Has(static_cast<htl::Int64>(initial)))
-                complain(L"the default " + TextOf(initial) + L" is none of the enumeration's words");
+                complain(L"the default " + TextOf(initial) + L" is none of the enumeration's words.");
         }
         if constexpr (isText)
             if (options.missing && !options.missing->empty())
-                complain(L"only the empty text can stand for a missing one");
+                complain(L"only the empty text can stand for a missing one.");
         if (ReadOnly_()) return;
         if (htl::status const failure = Accepts_(initial, nullptr); failure.IsError())
             complain(L"the default is refused by the line's own rule: " + failure.AsWString());
@@ -208,8 +209,9 @@ private:
         // A default without a text would shorten a list that it ends.
         if (form == Form::ResizablePlace) record.isDefault = &meta::MetaIsDefaultNever::IsDefault;
         if constexpr (std::floating_point<T>)
-            if (form != Form::Single) {
-                // What is not finite has no text; it becomes the number that stands for a missing value elsewhere.
+            if (form != Form::Single || options.noMissing) {
+                // What is not finite has no text; where no text is none it becomes the number that stands for missing
+                // elsewhere.
                 record.toWide = [plain = std::move(record.toWide)](void const* value, std::wstring& text, int format,
                                                                    IZO const* node) {
                     T number = *static_cast<T const*>(value);

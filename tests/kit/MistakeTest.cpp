@@ -1,0 +1,320 @@
+// Mistakes: each is found, with its text and place, and nothing is registered.
+#include "tests/kit/Site.h"
+
+#include "Common/registry/RegistryImpl.h"
+
+namespace site {
+namespace {
+
+using zo::kit::Kit;
+using zo::kit::Mistake;
+using zo::kit::Module;
+using zo::kit::Report;
+
+struct Inner {
+    double value = 0;
+};
+
+struct Outer {
+    double a = 0;
+    double b = 0;
+    std::wstring text;
+    Method method = Method::Rotary;
+    Inner inner;
+    std::vector<Inner> list;
+    std::vector<double> numbers;
+    std::vector<std::wstring> texts;
+    std::map<int, double> map;
+    std::vector<std::vector<int>> rows;
+    std::vector<Outer> outers;
+
+    double Sum() const { return a + b; }
+};
+
+Outer outer;
+
+class MistakeTest : public KitTest {
+protected:
+    ~MistakeTest() override { EXPECT_EQ(Rows(), 1u) << "nothing but the root is registered"; }
+
+    std::size_t Rows() const { return registry->Tables()->RowCount(); }
+
+    static Report Run(std::function<void(Kit&)> const& declare) {
+        return zo::kit::Register({Module("Tested", declare)});
+    }
+    /// The texts of the report.
+    static std::vector<std::wstring> Texts(Report const& report) {
+        std::vector<std::wstring> texts;
+        for (Mistake const& mistake : report.mistakes) texts.push_back(mistake.text);
+        return texts;
+    }
+    using List = std::vector<std::wstring>;
+};
+
+TEST_F(MistakeTest, EachHasItsPlaceAndAllAreReportedAtOnce) {
+    unsigned line = 0;
+    Report const report = Run([&line](Kit& kit) {
+        line = __LINE__ + 1;
+        kit.Record<Outer>("Outer")
+            .Field<&Outer::a>("A", L"Len")
+            .Field<&Outer::b>("A", L"B")
+            .Struct<&Outer::inner>("Inner", L"Inner");
+        kit.Branch<Outer>("Outer", L"1st", [] { return &outer; });
+    });
+    EXPECT_EQ(Texts(report), (List{L"{A}: the tag {Len} is reserved.", L"{A}: the name is taken in {Outer}.",
+                                   L"{Inner}: the type {site::(anonymous namespace)::Inner} is not declared.",
+                                   L"{Outer}: the tag {1st} begins with a digit, so it would be an index."}));
+    ASSERT_EQ(report.mistakes.size(), 4u);
+    for (Mistake const& mistake : report.mistakes) EXPECT_TRUE(mistake.file.ends_with("MistakeTest.cpp"));
+    EXPECT_EQ(report.mistakes[3].line, line + 4);
+    for (unsigned i = 0; i < 3; ++i) {
+#ifdef __clang__
+        EXPECT_EQ(report.mistakes[i].line, line) << "this compiler gives the beginning of a chain of calls";
+#else
+        EXPECT_EQ(report.mistakes[i].line, line + 1 + i);
+#endif
+    }
+}
+
+TEST_F(MistakeTest, Tags) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Outer>("Outer")
+            .Field<&Outer::a>("A", L"Missing")
+            .Field<&Outer::b>("B", L"two words")
+            .Field<&Outer::text>("Text", L"")
+            .Field<&Outer::method>("Method", L"A.B")
+            .Array<&Outer::numbers>("Numbers", L"Numbers[2nd]")
+            .Array<&Outer::texts>("Texts", L"Texts[Len]")
+            .Computed<&Outer::Sum>("Sum", L"Sum[Part]");
+        kit.Enum<Method>(methods);
+    });
+    EXPECT_EQ(
+        Texts(report),
+        (List{L"{A}: the tag {Missing} is reserved.", L"{B}: the tag {two words} is no name in XML.",
+              L"{Text}: a tag is needed.", L"{Method}: the tag {A.B} holds a \".\" or a bracket.",
+              L"{Numbers}: the tag {2nd} begins with a digit, so it would be an index.",
+              L"{Texts}: the tag {Len} is reserved.", L"{Sum}: the tag {Sum[Part]} holds a \".\" or a bracket."}));
+}
+
+TEST_F(MistakeTest, TagTwice) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Outer>("Outer").Field<&Outer::a>("A", L"X").Array<&Outer::numbers>("Numbers", L"X[Item]");
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Numbers}: the tag {X} is taken in {Outer}."}));
+}
+
+TEST_F(MistakeTest, Names) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Outer>("Outer")
+            .Field<&Outer::a>("", L"A")
+            .Field<&Outer::b>("a.b", L"B")
+            .Field<&Outer::text>("2nd", L"C")
+            .Array<&Outer::numbers>(":N", L"D");
+    });
+    EXPECT_EQ(Texts(report), (List{L"{}: a name is needed.", L"{a.b}: a name can hold none of . [ ] ( ) @ $.",
+                                   L"{2nd}: a name that begins with a digit is an index.",
+                                   L"{:N}: a name that begins with \":\" is no child in documents."}));
+}
+
+TEST_F(MistakeTest, MemberTwice) {
+    Report const report = Run(
+        [](Kit& kit) { kit.Record<Outer>("Outer").Field<&Outer::a>("A", L"A").Field<&Outer::a>("Again", L"Again"); });
+    EXPECT_EQ(Texts(report), (List{L"{Again}: this part of {Outer} is declared already."}));
+}
+
+TEST_F(MistakeTest, TypeTwice) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Inner>("Inner");
+        kit.Record<Inner>("Second");
+        kit.Enum<Method>(methods);
+        kit.Enum<Method>(methods);
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Second}: the type {site::(anonymous namespace)::Inner} is declared already.",
+                                   L"the enumeration {site::Method} is declared already."}));
+}
+
+TEST_F(MistakeTest, TypesThatAreNotDeclared) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Outer>("Outer")
+            .Struct<&Outer::inner>("Inner", L"Inner")
+            .Array<&Outer::list>("List", L"List")
+            .Field<&Outer::method>("Method", L"Method");
+        kit.Branch<std::vector<Inner>>("Inners", L"Inners", [] { return &outer.list; });
+    });
+    std::wstring const inner = L"the type {site::(anonymous namespace)::Inner} is not declared.";
+    EXPECT_EQ(Texts(report),
+              (List{L"{Inner}: " + inner, L"{List}: " + inner,
+                    L"{Method}: the enumeration {site::Method} is not declared.", L"{Inners}: " + inner}));
+}
+
+TEST_F(MistakeTest, TypeThatContainsItself) {
+    Report const report =
+        Run([](Kit& kit) { kit.Record<Outer>("Outer").Array<&Outer::outers>("Outers", L"Outers[Outer]"); });
+    EXPECT_EQ(Texts(report), (List{L"{Outers}: the type {Outer} contains itself: its parts would have no end."}));
+}
+
+struct Second;
+struct First {
+    std::vector<Second> seconds;
+};
+struct Second {
+    std::map<int, First> firsts;
+};
+
+TEST_F(MistakeTest, TypesThatContainEachOther) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<First>("First").Array<&First::seconds>("Seconds", L"Seconds");
+        kit.Record<Second>("Second").Map<&Second::firsts>("Firsts", L"Firsts");
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Firsts}: the type {First} contains itself: its parts would have no end."}));
+}
+
+TEST_F(MistakeTest, WhatCanNotBeAnAttribute) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Inner>("Inner").Field<&Inner::value>("Value", L"Value");
+        kit.Record<Outer>("Outer", {.attributes = true})
+            .Field<&Outer::a>("A", L"A")
+            .Struct<&Outer::inner>("Inner", L"Inner")
+            .Array<&Outer::list>("List", L"List")
+            .Array<&Outer::numbers>("Numbers", L"Numbers", {.elements = true})
+            .Array<&Outer::texts>("Texts", L"Texts")
+            .Map<&Outer::map>("Map", L"Map")
+            .Array<&Outer::rows>("Rows", L"Rows");
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Inner}: a structure can't be an attribute of {Outer}.",
+                                   L"{List}: this array is no single text, so it can't be an attribute of {Outer}.",
+                                   L"{Numbers}: this array is no single text, so it can't be an attribute of {Outer}.",
+                                   L"{Texts}: this array is no single text, so it can't be an attribute of {Outer}.",
+                                   L"{Map}: a map can't be an attribute of {Outer}.",
+                                   L"{Rows}: this array is no single text, so it can't be an attribute of {Outer}."}));
+}
+
+TEST_F(MistakeTest, RangesAndDefaults) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Outer>("Outer")
+            .Field<&Outer::a>("A", L"A", {.min = 5.0, .max = 2.0})
+            .Field<&Outer::b>("B", L"B", {.dflt = 70.0, .min = 0.0, .max = 60.0})
+            .Array<&Outer::numbers>("Numbers", L"Numbers", {.min = 1.0})
+            .Map<&Outer::map>("Map", L"Map", {.value = {.dflt = 3.0, .max = 2.0}})
+            .Field<&Outer::text>("Text", L"Text", {.valid = [](std::wstring const& text, zo::IZO const*) {
+                                     return text.empty() ? htl::status::FromText(L"Empty.") : htl::status();
+                                 }});
+    });
+    std::wstring const refused = L"the default is refused by the line's own rule: ";
+    EXPECT_EQ(
+        Texts(report),
+        (List{L"{A}: the range from 5 to 2 is empty.", L"{A}: " + refused + L"0 is not between 5 and 2.",
+              L"{B}: " + refused + L"70 is not between 0 and 60.", L"{Numbers}: " + refused + L"0 is less than 1.",
+              L"{Map}: " + refused + L"3 is more than 2.", L"{Text}: " + refused + L"Empty."}));
+}
+
+TEST_F(MistakeTest, MissingValues) {
+    Report const report = Run([](Kit& kit) {
+        kit.Enum<Method>(methods);
+        kit.Record<Outer>("Outer")
+            .Field<&Outer::text>("Text", L"Text", {.missing = L"n/a"})
+            .Field<&Outer::method>("Method", L"Method", {.missing = Method::Auger})
+            .Field<&Outer::a>("A", L"A", {.missing = 1.0, .noMissing = true});
+    });
+    EXPECT_EQ(Texts(report),
+              (List{L"{Text}: only the empty text can stand for a missing one.",
+                    L"{Method}: an enumeration has no missing value.", L"{A}: a missing value is named and refused."}));
+}
+
+TEST_F(MistakeTest, WordsOfAnEnumeration) {
+    enum class Kind { A, B };
+    enum class Empty { None };
+    Report const report = Run([](Kit& kit) {
+        std::array const words{meta::EnumWord{0, L"One", L"1", L"One"}, meta::EnumWord{0, L"One", L"1", L"Two"},
+                               meta::EnumWord{3, L"4", L"", L""}, meta::EnumWord{5'000'000'000, L"", L"", L"Two"}};
+        kit.Enum<Kind>(words);
+        kit.Enum<Empty>({});
+    });
+    std::wstring const kind = L"{" + str::as_wstring(meta::TypeName(typeid(Kind))) + L"}: ";
+    std::wstring const empty = L"{" + str::as_wstring(meta::TypeName(typeid(Empty))) + L"}: ";
+    EXPECT_EQ(Texts(report),
+              (List{kind + L"two words have the value 0.", kind + L"two words have the text {One}.",
+                    kind + L"two words have the text {1}.", kind + L"the text {4} is the number of another value.",
+                    kind + L"the value 5000000000 is no int.", kind + L"a word needs a text.",
+                    kind + L"two words have the text {Two}.", empty + L"an enumeration needs words."}));
+}
+
+TEST_F(MistakeTest, DefaultThatIsNoWord) {
+    Report const report = Run([](Kit& kit) {
+        kit.Enum<Method>(methods);
+        kit.Record<Outer>("Outer").Field<&Outer::method>("Method", L"Method", {.dflt = static_cast<Method>(4)});
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Method}: the default 4 is none of the enumeration's words."}));
+}
+
+TEST_F(MistakeTest, TagsOfAMap) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Outer>("Outer").Map<&Outer::map>("Map", L"Map", {.keyTag = L"Len", .valueTag = L"Len"});
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Map}: the tag {Len} is reserved.", L"{Map}: the tag {Len} is reserved.",
+                                   L"{Map}: key and value have the same tag."}));
+}
+
+TEST_F(MistakeTest, ParentsOfBranches) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Inner>("Inner");
+        kit.Branch<Inner>("Inner", L"Inner", [] { return &outer.inner; });
+        kit.Branch<double>("Inner.A", L"A", [] { return &outer.a; });
+        kit.Branch<double>("Results.B", L"B", [] { return &outer.b; });
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Inner.A}: the parent {Inner} is no group: what lies in an object is declared "
+                                   L"with its type.",
+                                   L"{Results.B}: the parent {Results} is missing."}));
+}
+
+TEST_F(MistakeTest, BranchesThatAreTaken) {
+    Report const report = Run([](Kit& kit) {
+        kit.Branch<double>("A", L"A", [] { return &outer.a; });
+        kit.Branch<double>("A", L"B", [] { return &outer.b; });
+        kit.Branch<double>("C", L"A", [] { return &outer.b; });
+        kit.Branch<double>("HZNData", L"D", [] { return &outer.b; });
+    });
+    EXPECT_EQ(Texts(report),
+              (List{L"{A}: the name is taken.", L"{C}: the tag {A} is taken.", L"{HZNData}: the name is taken."}));
+}
+
+TEST_F(MistakeTest, Modules) {
+    Report const report = zo::kit::Register(
+        {{"Soils", &PointModule}, {"Soils", [](Kit&) {}}, Module(static_cast<void (*)(Kit&)>(nullptr))});
+    EXPECT_EQ(Texts(report), (List{L"the module {Soils} is in the list twice.", L"a module has no function."}));
+    EXPECT_TRUE(report.mistakes[0].file.ends_with("MistakeTest.cpp"));
+}
+
+class TakenTest : public KitTest {};
+
+TEST_F(TakenTest, RowsThatAreThereAlreadyKeepTheirNamesAndTags) {
+    static double a = 1, b = 2;
+    Register({[](Kit& kit) {
+        kit.Group("Group", L"Group");
+        kit.Branch<double>("Group.A", L"InGroup", [] { return &a; });
+        kit.Branch<double>("A", L"TagOfA", [] { return &a; });
+    }});
+    Report const report = zo::kit::Register({[](Kit& kit) {
+        kit.Branch<double>("A", L"New", [] { return &b; });
+        kit.Branch<double>("B", L"TagOfA", [] { return &b; });
+        kit.Branch<double>("Group.A", L"Other", [] { return &b; });
+        kit.Branch<double>("Group.B", L"InGroup", [] { return &b; });
+        kit.Branch<double>("Group.C", L"C", [] { return &b; });
+        kit.Branch<double>("A.D", L"D", [] { return &b; });
+    }});
+    std::vector<std::wstring> texts;
+    for (Mistake const& mistake : report.mistakes) texts.push_back(mistake.text);
+    EXPECT_EQ(texts, (std::vector<std::wstring>{
+                         L"{A}: the name is taken.", L"{B}: the tag {TagOfA} is taken.",
+                         L"{Group.A}: the name is taken.", L"{Group.B}: the tag {InGroup} is taken.",
+                         L"{A.D}: the parent {A} is no group: what lies in an object is declared with its type."}));
+    EXPECT_FALSE(zo::Find("Group.C")) << "nothing of the second list";
+    EXPECT_EQ(TextOf("A"), L"1");
+
+    Register({[](Kit& kit) { kit.Branch<double>("Group.C", L"C", [] { return &b; }); }});
+    EXPECT_EQ(TextOf("Group.C"), L"2");
+    EXPECT_EQ(Body(), L"<Group><C>2</C><InGroup>1</InGroup></Group><TagOfA>1</TagOfA>");
+}
+
+} // namespace
+} // namespace site
