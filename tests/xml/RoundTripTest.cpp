@@ -200,6 +200,32 @@ TEST_F(RoundTripTest, DocumentWithAnyByteChangedDoesNoHarm) {
         }
 }
 
+TEST_F(RoundTripTest, EntryLeftOutAtItsDefaultIsNotLoadedAsConstructed) {
+    struct Soil {
+        double friction = 30;
+    };
+    auto const soilTraits = [] {
+        return meta::StructureBuilder<Soil>()
+            .Member(&Soil::friction, [] { return meta::AtomicTraits<double>(); })
+            .Build();
+    };
+    auto const traits = meta::ArrayTraits<std::vector<Soil>>(soilTraits);
+    std::vector<Soil> soils(2);
+    soils[0].friction = 0;
+    Rows other;
+    other.Add("Soils", embankment::ArrayPrototype(traits), {P::Always, L"Soils[Soil]"}, traits, &soils);
+    other.Add("Soils.[]", embankment::StructPrototype(soilTraits()), {P::Always, L"", false, true}, soilTraits());
+    other.Add("Soils.[].Friction", embankment::ValuePrototype<double>(meta::AtomicTraits<double>()),
+              {P::IfNotDefined, L"Friction"}, meta::AtomicTraits<double>());
+    other.Finish();
+    std::wstring const text = Written();
+    soils.clear();
+    ASSERT_TRUE(IsClean(LoadText(text)));
+    ASSERT_EQ(soils.size(), 2u);
+    EXPECT_EQ(soils[0].friction, 0);
+    EXPECT_EQ(soils[1].friction, 30);
+}
+
 TEST_F(RoundTripTest, EmptyInnerArrayShiftsThoseBehindIt) {
     // An array without elements has no element of its own, as an entry neither.
     using Inner = std::vector<double>;
