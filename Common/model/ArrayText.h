@@ -3,50 +3,59 @@
 
 #include "Common/model/ZOArray.h"
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace zo::impl {
 
-/// The places of an array text: cut at commas, but not between "(" and the next ")".
-class ArrayTokens {
+/// The places of an array text, one after the other: cut at commas, but not between "(" and the next ")".
+///
+/// Nothing is kept of the places, since a text may have millions. The text must outlive the cutter.
+class ArrayCutter {
 public:
-    /// False for a text that ends between parentheses. A comma at the very end begins no place.
-    bool Cut(std::wstring_view text) {
-        std::size_t start = 0;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            if (text[i] == L'(') {
-                i = text.find(L')', i + 1);
-                if (i == text.npos) return false;
-            } else if (text[i] == L',') {
-                Add_(text.substr(start, i - start));
-                start = i + 1;
-            }
+    explicit ArrayCutter(std::wstring_view text) noexcept : text(text), isPlain(text.find(L'(') == text.npos) {}
+
+    /// Counts the places that are left. False for a text that ends between parentheses. A comma at the very end begins
+    /// no place.
+    bool Count(std::size_t& count) const noexcept {
+        count = 0;
+        if (isPlain && start < text.size()) {
+            std::wstring_view const rest = text.substr(start);
+            count = static_cast<std::size_t>(std::ranges::count(rest, L',')) + (rest.back() != L',');
+            return true;
         }
-        if (start < text.size()) Add_(text.substr(start));
-        return true;
+        ArrayCutter cutter = *this;
+        for (std::wstring_view place; cutter.Next(place);) ++count;
+        return !cutter.isOpen;
     }
-    std::size_t Count() const noexcept { return count; }
-    std::wstring_view operator[](std::size_t i) const noexcept {
-        return i < fixed.size() ? fixed[i] : more[i - fixed.size()];
+
+    /// Gives the next place, false at the end.
+    bool Next(std::wstring_view& place) noexcept {
+        if (start >= text.size()) return false;
+        std::size_t const end = std::min(isPlain ? text.find(L',', start) : EndOfPlace_(), text.size());
+        place = text.substr(start, end - start);
+        start = end + 1;
+        return true;
     }
 
 private:
-    void Add_(std::wstring_view token) {
-        if (count < fixed.size())
-            fixed[count] = token;
-        else
-            more.push_back(token);
-        ++count;
+    std::size_t EndOfPlace_() noexcept {
+        for (std::size_t at = start; at < text.size(); ++at) {
+            if (text[at] == L',') return at;
+            if (text[at] != L'(') continue;
+            at = text.find(L')', at);
+            isOpen = at == text.npos;
+            if (isOpen) break;
+        }
+        return text.npos;
     }
 
-    // Most arrays are short and are cut without an allocation.
-    std::array<std::wstring_view, 64> fixed;
-    std::vector<std::wstring_view> more;
-    std::size_t count = 0;
+    std::wstring_view text;
+    std::size_t start = 0;
+    bool isPlain; // without parentheses, as lists of numbers are: the search for a comma is then one call
+    bool isOpen = false;
 };
 
 inline htl::status MissingElement(ZOArray const& array, std::size_t index) {
@@ -56,20 +65,22 @@ inline htl::status MissingElement(ZOArray const& array, std::size_t index) {
 /// `elementAt` gives a handle to the element of an index, empty if there is none.
 template <class ElementAt>
 htl::status SetArrayText(ZOArray& array, std::wstring const& text, ElementAt&& elementAt) {
-    ArrayTokens tokens;
-    if (!tokens.Cut(text)) return HznError::syntax(text);
+    ArrayCutter cutter(text);
+    // Counted before they are cut: a text that is no array's must leave the length alone.
+    std::size_t count = 0;
+    if (!cutter.Count(count)) return HznError::syntax(text);
     {
         meta::MetaDataTraits const traits = array.GetDataTraits();
         // If it can't be resized, the first element that is missing says so.
-        if (auto const* const record = traits.AsArray(); record && !record->fixedLength)
-            (void)array.SetLength(tokens.Count());
+        if (auto const* const record = traits.AsArray(); record && !record->fixedLength) (void)array.SetLength(count);
     }
     std::wstring token;
-    for (std::size_t i = 0; i < tokens.Count(); ++i) {
-        if (tokens[i].empty()) continue;
+    std::wstring_view place;
+    for (std::size_t i = 0; cutter.Next(place); ++i) {
+        if (place.empty()) continue;
         H const element = elementAt(i);
         if (!element) return MissingElement(array, i);
-        token = tokens[i];
+        token = place;
         if (htl::status failure = element->Set(token); failure.IsError()) return failure;
     }
     return {};
