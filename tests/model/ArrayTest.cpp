@@ -290,9 +290,13 @@ TEST_F(ArrayTest, ManagersAreForgottenWithTheirLastView) {
     EXPECT_EQ(manager->RefCount(), 1);
     EXPECT_EQ(manager->Memory(), &loads);
     zo::ZOMemMgr* const raw = manager.get();
-    H const again = Find("Loads");
+    H again = Find("Loads");
     EXPECT_EQ(View(again).ChildMemMgr().get(), raw) << "found as long as it lives";
     EXPECT_EQ(raw->WrapperCount(), 0u);
+    raw->AddWrapper(); // tells this manager from the next, which may lie at the same address
+    again.release();
+    manager.release();
+    EXPECT_EQ(View(Find("Loads")).ChildMemMgr()->WrapperCount(), 0u);
 }
 
 TEST_F(ArrayTest, ManyLiveArraysKeepTheirManagersApart) {
