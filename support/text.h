@@ -77,6 +77,5 @@ ZO_API std::string_view Trim(std::string_view text) noexcept;
 
 /// A text unlike any of `taken`, case ignored: `name` itself if it is free, else "name (2)", "name (3)" and so on.
 /// Case is that of Unicode letters, never that of the process's locale.
-
 ZO_API std::wstring GenerateUniqueDesriptionIgnoreCase(std::vector<std::wstring> const& taken,
                                                        std::wstring const& name);
