@@ -188,7 +188,7 @@ void ZOElemReader::Attribute(sys::file::XmlAttribute const& item) {
 void ZOElemReader::ReadLength_(sys::file::XmlAttribute const& item) {
     std::size_t length = 0;
     htl::status failure = str::from_wstring(item.second, length);
-    if (failure.IsError())
+    if (failure.IsError() || !root->Claims_(length))
         failure = ZOError::file_invalid_element_attribute(ErrorTag(), item.first, item.second);
     else
         failure = node->SetLength(length);
@@ -278,13 +278,23 @@ htl::handle<sys::file::XmlElemReader> ZOSkipReader::Element(std::wstring const& 
     return Element_(child, elementTag);
 }
 
-ZORootReader::ZORootReader(ZOSet* set, TagPolicy const& policy, Filter const& filter)
+ZORootReader::ZORootReader(ZOSet* set, TagPolicy const& policy, Filter const& filter, std::size_t documentSize)
     : ZOSkipReader(nullptr, this, filter), version(std::numeric_limits<double>::max()), set(set),
       tables(zo::impl::Current()), errors(10), tagPolicy(policy) {
+    // Every entry takes some bytes, and a small document may leave some out.
+    constexpr std::size_t atLeast = 65536;
+    entriesLeft = documentSize < IZO::npos - atLeast ? documentSize + atLeast : IZO::npos;
     node = set->Find(ZORegistry::RootName());
 }
 
 ZORootReader::~ZORootReader() = default;
+
+bool ZORootReader::Claims_(std::size_t entries) noexcept {
+    // A few bytes must not fill the memory: what all lengths claim together stays in proportion to the document.
+    if (entries > entriesLeft) return false;
+    if (entriesLeft != IZO::npos) entriesLeft -= entries;
+    return true;
+}
 
 bool ZORootReader::Persists_(IZO const& of) {
     std::size_t const row = of.RegID();

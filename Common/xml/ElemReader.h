@@ -113,8 +113,9 @@ private:
 /// Reads the document element and holds what the whole load has in common.
 class ZORootReader final : public ZOSkipReader {
 public:
-    /// `set` outlives the reader. The node is the set's root.
-    ZORootReader(ZOSet* set, TagPolicy const& policy, Filter const& filter);
+    /// `set` outlives the reader. The node is the set's root. `documentSize` in bytes bounds what the lengths of arrays
+    /// may claim; npos where it isn't known.
+    ZORootReader(ZOSet* set, TagPolicy const& policy, Filter const& filter, std::size_t documentSize = IZO::npos);
     ~ZORootReader() override;
 
     void Attribute(sys::file::XmlAttribute const& item) override;
@@ -131,6 +132,9 @@ private:
 
     /// Whether nodes of a row persist. Asked of the first node of each row.
     bool Persists_(IZO const& of);
+    /// Whether a document of this size can hold so many entries beside those that were claimed before. Counts them if
+    /// so.
+    bool Claims_(std::size_t entries) noexcept;
 
     double version;
     ZOSet* set;
@@ -140,6 +144,7 @@ private:
     TagPolicy tagPolicy;
 
     enum class Answer : unsigned char { Open, Yes, No };
+    std::size_t entriesLeft;      // that lengths of arrays may still claim; npos for any number
     std::vector<Answer> persists; // by row
 };
 

@@ -8,17 +8,20 @@
 #include "support/text.h"
 #include "support/xml/XmlFile.h"
 
+#include <filesystem>
+#include <system_error>
+
 namespace zo::xml {
 namespace {
 
 using Reader = htl::handle<sys::file::XmlElemReader>;
 
-/// Reads a document that `parse` takes apart.
+/// Reads a document of `size` bytes (npos if nobody knows) that `parse` takes apart.
 template <class Parse>
-htl::status Load(Parse const& parse, std::vector<htl::status>& errors, Filter const& filter, ZOSet* set,
-                 UnknownHandler const& handler, TagPolicy const& policy) {
+htl::status Load(Parse const& parse, std::size_t size, std::vector<htl::status>& errors, Filter const& filter,
+                 ZOSet* set, UnknownHandler const& handler, TagPolicy const& policy) {
     if (!set) set = ZORegistry::Instance();
-    htl::handle<impl::ZORootReader> const reader(new impl::ZORootReader(set, policy, filter));
+    htl::handle<impl::ZORootReader> const reader(new impl::ZORootReader(set, policy, filter, size));
     htl::status result;
     {
         TrackingSuspension const suspended(*set->Impl());
@@ -30,6 +33,16 @@ htl::status Load(Parse const& parse, std::vector<htl::status>& errors, Filter co
     if (handler) handler(set, reader->UnknownItems(), reader->Version(), reader->Errors());
     errors = reader->Errors().GetErrors();
     return result;
+}
+
+/// npos for what is no regular file: its size is known when it was read.
+std::size_t FileSize(std::wstring const& name) {
+    std::string path;
+    if (sys::file::native_path(path, name).IsError()) return IZO::npos;
+    std::error_code failure;
+    bool const regular = std::filesystem::is_regular_file(path, failure);
+    auto const size = regular ? std::filesystem::file_size(path, failure) : 0;
+    return regular && !failure ? static_cast<std::size_t>(size) : IZO::npos;
 }
 
 void ClearRegistry() {
@@ -61,8 +74,8 @@ htl::status FileRead(std::wstring const& path, std::vector<htl::status>& errors,
 
 htl::status FileImport(std::wstring const& path, std::vector<htl::status>& errors, Filter const& filter, ZOSet* set,
                        UnknownHandler const& handler, TagPolicy const& policy) {
-    return Load([&](Reader const& reader) { return sys::file::XmlFileRead(path, reader); }, errors, filter, set,
-                handler, policy);
+    return Load([&](Reader const& reader) { return sys::file::XmlFileRead(path, reader); }, FileSize(path), errors,
+                filter, set, handler, policy);
 }
 
 htl::status StringRead(std::wstring const& text, std::vector<htl::status>& errors, Filter const& filter,
@@ -79,7 +92,7 @@ htl::status StringImport(std::wstring const& text, std::vector<htl::status>& err
         if (htl::status failure = str::as_utf16le(text, bytes); failure.IsError()) return failure;
         return sys::file::XmlStringRead(bytes, reader);
     };
-    return Load(parse, errors, filter, set, handler, policy);
+    return Load(parse, text.size(), errors, filter, set, handler, policy);
 }
 
 } // namespace zo::xml

@@ -72,7 +72,8 @@ ZO_API TagPolicy UnknownTagIsMissing();
 ///
 /// `errors` receives the failures of values, 11 at most: `file_assign` with the element's last tags, the text and the
 /// cause; `not_recognized` for an attribute of the document element. What failed keeps its value. Values are converted,
-/// but not checked against the rules of their types.
+/// but not checked against the rules of their types. Lengths of arrays that claim, all together, 65,536 entries more
+/// than the document has bytes fail with `file_invalid_element_attribute` as the cause: memory stays in proportion.
 /// Failure: the file can't be opened, or isn't well-formed: those of `sys::file::XmlFileRead`. The registry is then
 /// cleared and holds what was read up to there, `errors` stays as it was, and the handler isn't called.
 [[nodiscard]] ZO_API htl::status FileRead(std::wstring const& path, std::vector<htl::status>& errors,

@@ -195,6 +195,39 @@ TEST_F(ReadTest, BadLengthIsReportedAndItsChildrenAreLookedUpByTag) {
     }
 }
 
+TEST_F(ReadTest, LengthThatTheDocumentCannotHoldIsRefused) {
+    Loaded const loaded = Load(L"<Project><Points Len=\"2147483647\"/></Project>");
+    ASSERT_EQ(loaded.errors.size(), 1u);
+    EXPECT_TRUE(FailsAs(loaded.errors[0], ZOError::file_assign(L"Project.Points", L"2147483647",
+                                                               ZOError::file_invalid_element_attribute(
+                                                                   L"Project.Points", L"Len", L"2147483647"))));
+    EXPECT_TRUE(project.Points.empty());
+}
+
+TEST_F(ReadTest, LengthsOfASmallDocumentShareWhatTheyMayClaim) {
+    // The whole document is shorter than 1,000 characters.
+    Loaded const loaded = Load(L"<Project><Points Len=\"40000\"/><Points Len=\"40001\"/></Project>");
+    ASSERT_EQ(loaded.errors.size(), 1u);
+    EXPECT_TRUE(FailsAs(loaded.errors[0], ZOError::file_assign(L"Project.Points", L"40001",
+                                                               ZOError::file_invalid_element_attribute(
+                                                                   L"Project.Points", L"Len", L"40001"))));
+    EXPECT_EQ(project.Points.size(), 40000u);
+}
+
+TEST_F(ReadTest, LengthOfALargeDocumentMayBeAsLargeAsItsEntries) {
+    constexpr std::size_t count = 200'000;
+    std::wstring body = L"<Project><Points Len=\"200000\">";
+    for (std::size_t i = 0; i < count; ++i) body += L"<P/>";
+    ASSERT_TRUE(IsClean(Load(body + L"</Points></Project>")));
+    EXPECT_EQ(project.Points.size(), count);
+    std::string const file = TemporaryFile("large.xml");
+    Store(file, "<HZNData>" + str::as_cstring(body) + "</Points></Project></HZNData>");
+    std::vector<htl::status> errors;
+    ASSERT_TRUE(Succeeds(zo::xml::FileRead(Wide(file), errors)));
+    EXPECT_TRUE(errors.empty());
+    EXPECT_EQ(project.Points.size(), count);
+}
+
 TEST_F(ReadTest, LengthOfWhatCannotBeResizedIsReported) {
     Loaded const loaded = Load(L"<Alpha Len=\"2\">7</Alpha>");
     ASSERT_EQ(loaded.errors.size(), 1u);
