@@ -1,5 +1,6 @@
 #include "Common/redirect/Placeholders.h"
 
+#include "Common/redirect/ParentChain.h"
 #include "Common/registry/RegistryImpl.h"
 #include "Common/registry/ZORegistry.h"
 
@@ -65,7 +66,10 @@ IZO* ZOPlaceholder::Clone() {
 H ZOPlaceholder::GetSubZO(std::string const& name) {
     ZORegistryImpl const& tables = impl::Current();
     std::size_t const child = tables.HasRow(RegID()) ? tables.ChildByName(RegID(), name) : npos;
-    return child == npos ? H() : HandDown(*this, H(tables.nodes[child]->Clone()), nullptr);
+    if (child == npos) return {};
+    // A value with a store of its own is bound to it here, too: a detached one would swallow what is written.
+    if (tables.wrappers[child]) return HandDown(*this, impl::LiveChild(Owner(), child), nullptr);
+    return HandDown(*this, H(tables.nodes[child]->Clone()), nullptr);
 }
 
 ZOPlaceholderArray::ZOPlaceholderArray(std::size_t regID, ZOSet* owner, LengthFunction lengthOf, unsigned int count,
@@ -122,8 +126,11 @@ void ZOParentPlaceholder::Clear() {
     if (!tables.HasRow(RegID())) return;
     ZOSet& set = OwnerOf(*this);
     for (std::size_t child = tables.firstChildren[RegID()]; child != npos; child = tables.nextSiblings[child])
-        if (tables.stores[child]->IsAvailable())
-            if (H const node = set.Find(tables.names[child])) node->Clear();
+        if (tables.stores[child]->IsAvailable()) {
+            H const node = set.Find(tables.names[child]);
+            // Another made parent that answers to the name may be this one, or one above.
+            if (node && (node->RegID() == child || !impl::IsParentPlaceholder(*node))) node->Clear();
+        }
 }
 
 IZO* ZOParentPlaceholder::Clone() { return new ZOParentPlaceholder(RegID(), Owner()); }
@@ -135,7 +142,9 @@ H ZOParentPlaceholder::GetSubZO(std::string const& name) {
     if (tables.HasRow(self)) {
         own = tables.ChildByName(self, name);
         // A child with a deeper tag hangs below a made parent of its own, yet answers to its name here.
-        if (own == npos) own = tables.RowOfName(path::Join(std::string_view(tables.names[self]), name));
+        // Only one level: what is deeper has to be reached through the nodes between, which know its memory.
+        if (own == npos && name.find_first_of(".[]") == name.npos)
+            own = tables.RowOfName(path::Join(std::string_view(tables.names[self]), name));
     }
     // A namesake elsewhere must not answer for the own child: a save and load would put one's value into the other.
     std::size_t const namesake = tables.RowOfName(name);

@@ -30,7 +30,8 @@ protected:
     PlaceholderContext& operator=(PlaceholderContext const&) = default;
 };
 
-/// A prototype of a computed branch with named children. Client classes derive from it and override `Clone`.
+/// A prototype of a computed branch with named children. Client classes derive from it and override `Clone`. A child
+/// value whose own store has an object is bound to that object.
 class ZO_API ZOPlaceholder : public IZO, public PlaceholderContext {
 public:
     ZOPlaceholder(std::size_t regID, ZOSet* owner, unsigned int count, int const (&values)[6], int const& own);

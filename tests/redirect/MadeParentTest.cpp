@@ -159,6 +159,34 @@ TEST_F(MadeParentTest, AStructureBelowIsBoundToItsOwnObject) {
     EXPECT_EQ(TextOf(zo::FindTag(L"Site.Core.Name")), L"Core");
 }
 
+TEST_F(MadeParentTest, OneStepBelowAMadeParentIsOneLevel) {
+    embankment::Soil soil;
+    soil.name = L"Core";
+    auto const traits = embankment::SoilTraits();
+    registry.Add("Site.Core", embankment::StructPrototype(traits), L"Site.Core", traits, &soil);
+    registry.Add("Site.Core.Name",
+                 ValuePrototype<std::wstring>(embankment::TitleTraits(), meta::OffsetOf(&embankment::Soil::name)),
+                 L"Name", embankment::TitleTraits());
+    registry->OnPostRegistration();
+    H const site = zo::Find("Site");
+    EXPECT_FALSE(zo::Find(site, "Core.Name")) << "a value without its memory would swallow what is written";
+    EXPECT_EQ(TextOf(zo::Find(zo::Find(site, "Core"), "Name")), L"Core");
+}
+
+TEST_F(MadeParentTest, ClearEndsWhereANameLeadsBackToTheMadeParent) {
+    // The made parent of the tag "al" is called placeholder_al. Below it, in the tree of tags, stands the row
+    // al.placeholder_al, and by its name the alias leads to the made parent itself.
+    double value = 1.5;
+    AddValue("foo", L"al.Foo", value);
+    registry.Add("al", H(new rows::OtherName("HZNData", true)), L"", rows::StructureTraits());
+    registry.AddPlain("al.placeholder_al", L"");
+    registry->OnPostRegistration();
+    H const made = zo::Find("placeholder_al");
+    ASSERT_EQ(zo::Find("al.placeholder_al"), made);
+    made->Clear();
+    EXPECT_EQ(value, 0);
+}
+
 TEST_F(MadeParentTest, AnUnregisteredMadeParentHasNoChildren) {
     H const loose(new zo::ZOParentPlaceholder(IZO::npos, nullptr));
     EXPECT_FALSE(rows::NodeAccess::GetSubZO(*loose, "x"));

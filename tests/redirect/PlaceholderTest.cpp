@@ -185,6 +185,17 @@ TEST_F(PlaceholderTest, ANodeWithoutContextIsHandedOutAsItIs) {
     EXPECT_NE(dynamic_cast<rows::Plain*>(plain.get()), nullptr);
 }
 
+TEST_F(PlaceholderTest, AValueWithAStoreOfItsOwnIsBoundToIt) {
+    double level = 3.5;
+    auto const traits = meta::AtomicTraits<double>();
+    registry.Add("Fixed.Level", embankment::ValuePrototype<double>(traits), L"Level", traits, &level);
+    H const node = zo::Find("Fixed.Level");
+    ASSERT_TRUE(node);
+    EXPECT_EQ(embankment::TextOf(node), L"3.5");
+    ASSERT_TRUE(embankment::Succeeds(node->Set(4.25)));
+    EXPECT_EQ(level, 4.25);
+}
+
 TEST_F(PlaceholderTest, TheLengthIsNotTheNodesToChange) {
     H const stages = zo::Find("Stages");
     zo::ZOPlaceholderArray& array = AsArray(stages);
