@@ -88,7 +88,8 @@ meta::MetaPersistTraits ZORegistryImpl::Resolve(meta::MetaPersistTraits const& a
     std::wstring parentTagName, parentTag;
     bool element = false;
     if (parent) {
-        element = IsArrayKind(parent->GetDataTraits());
+        // A parent whose tag was taken has no row, and so no traits to ask for.
+        element = HasRow(parent->RegID()) && IsArrayKind(parent->GetDataTraits());
         MetaPersistTraits const above = parent->GetPersistTraits();
         parentType = above.Type;
         parentTagName = above.TagName;

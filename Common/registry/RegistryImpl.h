@@ -138,6 +138,16 @@ ZORegistryImpl& UseDefaultRegistry();
 
 /// The current registry's tables.
 inline ZORegistryImpl& Current() { return currentTables ? *currentTables : UseDefaultRegistry(); }
+
+/// How many redirects one question follows: they may lead in a circle.
+constexpr int mostRedirects = 1000;
+/// Follows the redirects of a row; npos where they lead nowhere, or once none is left.
+std::size_t FollowRedirects(std::size_t row, int& redirectsLeft);
+/// The row that a name leads to, indices ignored; npos if there is none.
+///
+/// The node of such a row may lack a row of its own: one whose name or tag was taken never learnt it.
+std::size_t TemplateRow(std::string const& name, int& redirectsLeft);
+
 /// The node of row `child` as a child of a node without memory of its own that lives in `owner`: in the current
 /// registry a view bound by the row's own store, or a clone; in any other set an empty clone.
 H LiveChild(ZOSet const* owner, std::size_t child);

@@ -17,8 +17,6 @@ using impl::Current;
 
 namespace {
 
-constexpr int mostRedirects = 1000; // redirects may lead in a circle
-
 ZOSet& SetOf(IZO const* node) { return node && node->Owner() ? *node->Owner() : *ZORegistry::Instance(); }
 
 // Puts the indices of a tag into a registered name. Empty where the tag lacks one or has another text in brackets.
@@ -68,19 +66,10 @@ std::wstring_view TakeComponent(std::wstring_view& rest) {
     return component;
 }
 
-std::size_t FollowRedirects(std::size_t row) {
-    for (int steps = 0; row != IZO::npos && Current().redirects[row]; ++steps) {
-        if (steps == mostRedirects) return IZO::npos;
-        H const target = Current().redirects[row]->Redirect();
-        row = target && Current().HasRow(target->RegID()) ? target->RegID() : IZO::npos;
-    }
-    return row;
-}
-
 // The child row that a tag leads to below a row, its redirects and its type's template.
-std::size_t ChildRow(std::size_t row, std::wstring_view tag) {
+std::size_t ChildRow(std::size_t row, std::wstring_view tag, int& redirectsLeft) {
     ZORegistryImpl const& tables = Current();
-    row = FollowRedirects(row);
+    row = impl::FollowRedirects(row, redirectsLeft);
     if (row == IZO::npos) return row;
     if (std::size_t const child = tables.ChildByTag(row, tag); child != IZO::npos) return child;
     auto const type = tables.typeTemplates.find(tables.dataTraits[row].TypeName());
@@ -119,18 +108,19 @@ std::string NameOfTag(std::wstring const& tag) {
     if (row == IZO::npos) return {};
     std::string name = FillIndices(tables.names[row], std::wstring_view(tag).substr(0, taken));
     if (name.empty()) return {};
+    int redirectsLeft = impl::mostRedirects;
     while (!left.empty()) {
         std::wstring_view const component = TakeComponent(left);
         if (component.empty()) return {};
         if (std::size_t const number = IndexOf(component)) {
-            row = FollowRedirects(row);
+            row = impl::FollowRedirects(row, redirectsLeft);
             if (row == IZO::npos) return {};
             name += '[';
             name += std::to_string(number - 1);
             name += ']';
             row = tables.ChildByName(row, "[]");
         } else {
-            row = ChildRow(row, component);
+            row = ChildRow(row, component, redirectsLeft);
             if (row != IZO::npos) path::Append(name, tables.subNames[row]);
         }
         if (row == IZO::npos) return {};
@@ -165,7 +155,7 @@ H FindTagBelow(ZOSet& set, H const& node, std::wstring const& tag, int redirects
 
 } // namespace
 
-H ZOSet::FindTag(H const& node, std::wstring const& tag) { return FindTagBelow(*this, node, tag, mostRedirects); }
+H ZOSet::FindTag(H const& node, std::wstring const& tag) { return FindTagBelow(*this, node, tag, impl::mostRedirects); }
 
 H FindTag(std::wstring const& tag) { return ZORegistry::Instance()->FindTag(tag); }
 H FindTag(std::string const& tag) { return FindTag(str::as_wstring(tag)); }
@@ -187,6 +177,7 @@ H LookupRelative(H const& start, std::wstring const& path) {
         };
         if (climbs()) {
             std::string const from = node->Name();
+            if (from.empty()) return {}; // nobody knows what is above it
             std::string_view name = from;
             while (climbs()) {
                 rest.remove_prefix(climb.size());
@@ -214,10 +205,7 @@ std::wstring IZO::TagName(TagType type) const {
         return type == FullTagType ? traits.TagName : traits.Tag;
     }
     std::string_view const last = path::LastPart(std::string_view(entry));
-    if (last == "@") {
-        std::wstring const full = type == FullTagType ? parent->TagName(FullTagType) : std::wstring();
-        return full.empty() ? parent->TagName(type) : full;
-    }
+    if (last == "@") return parent->TagName(type); // a link's step has no tag of its own
     std::wstring full = type == FullTagType ? parent->TagName(FullTagType) : std::wstring();
     std::size_t number = 0;
     std::size_t const close = last.find(')');
@@ -252,6 +240,8 @@ std::wstring TagFromName(std::string const& name) {
     std::wstring tag;
     std::string read;
     std::string_view rest = name;
+    bool live = true;
+    int redirectsLeft = impl::mostRedirects;
     while (!rest.empty()) {
         // One component with what separates it.
         std::size_t const start = rest.find_first_not_of(".[]");
@@ -276,14 +266,17 @@ std::wstring TagFromName(std::string const& name) {
         else
             path::Append(read, component);
 
-        H node = Find(read);
+        // Where a beginning of the name has no live node, nothing below it has.
+        H node = live ? Find(read) : H();
         // Names may lead in a circle. The place reached has a short name of its own, so the cost stays that of the
         // text.
         std::string place = node ? node->Name() : std::string();
         if (!node) {
-            node = H(GetTemplate(read));
-            if (!node) break;
-            place = RegNormalizedName(node->RegID());
+            live = false;
+            std::size_t const row = impl::TemplateRow(read, redirectsLeft);
+            if (row == IZO::npos) break;
+            node = Current().nodes[row];
+            place = RegNormalizedName(row);
         }
         if (!place.empty() && place.size() < read.size()) read = std::move(place);
         if (first)

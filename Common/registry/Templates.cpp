@@ -13,18 +13,6 @@ using impl::Current;
 
 namespace {
 
-constexpr int mostRedirects = 1000; // redirects may lead in a circle
-
-// Follows the row's redirects; npos where they lead nowhere.
-std::size_t Resolve(std::size_t row) {
-    for (int steps = 0; row != IZO::npos && Current().redirects[row]; ++steps) {
-        if (steps == mostRedirects) return IZO::npos;
-        H const target = Current().redirects[row]->Redirect();
-        row = target && Current().HasRow(target->RegID()) ? target->RegID() : IZO::npos;
-    }
-    return row;
-}
-
 // One component below a row, or from the top.
 std::size_t Step(ZORegistryImpl const& tables, std::size_t row, std::string_view component) {
     if (row == IZO::npos) return tables.RowOfName(component);
@@ -41,11 +29,21 @@ std::size_t Step(ZORegistryImpl const& tables, std::size_t row, std::string_view
 
 } // namespace
 
-IZO* GetTemplate(std::string const& name) {
+std::size_t impl::FollowRedirects(std::size_t row, int& redirectsLeft) {
+    while (row != IZO::npos && Current().redirects[row]) {
+        if (redirectsLeft == 0) return IZO::npos;
+        --redirectsLeft;
+        H const target = Current().redirects[row]->Redirect();
+        row = target && Current().HasRow(target->RegID()) ? target->RegID() : IZO::npos;
+    }
+    return row;
+}
+
+std::size_t impl::TemplateRow(std::string const& name, int& redirectsLeft) {
     std::string normal = name;
-    if (!path::Normalize(normal)) return nullptr;
+    if (!path::Normalize(normal)) return IZO::npos;
     ZORegistryImpl const& tables = Current();
-    if (std::size_t const row = tables.RowOfName(normal); row != IZO::npos) return tables.nodes[row].get();
+    if (std::size_t const row = tables.RowOfName(normal); row != IZO::npos) return row;
 
     std::size_t row = IZO::npos;
     std::string_view rest = normal;
@@ -55,7 +53,7 @@ IZO* GetTemplate(std::string const& name) {
         more = dot != rest.npos;
         if (more) rest.remove_prefix(dot + 1);
 
-        row = Resolve(row);
+        row = FollowRedirects(row, redirectsLeft);
         std::size_t next = Step(tables, row, component);
         if (next == IZO::npos && row != IZO::npos) {
             // A field of a structure is registered once, below the template of the structure's type.
@@ -63,10 +61,16 @@ IZO* GetTemplate(std::string const& name) {
             if (type != tables.typeTemplates.end() && tables.HasRow(type->second))
                 next = Step(tables, type->second, component);
         }
-        if (next == IZO::npos) return nullptr;
+        if (next == IZO::npos) return IZO::npos;
         row = next;
     }
-    return tables.nodes[row].get();
+    return row;
+}
+
+IZO* GetTemplate(std::string const& name) {
+    int redirectsLeft = impl::mostRedirects;
+    std::size_t const row = impl::TemplateRow(name, redirectsLeft);
+    return row == IZO::npos ? nullptr : Current().nodes[row].get();
 }
 
 bool IsMatching(std::string const& a, std::string const& b) {

@@ -149,8 +149,9 @@ H ZORegistry::Wrap(std::size_t regID, void* memory) {
 }
 
 bool ZORegistry::NormalizeName(std::string& name) {
-    if (IZO const* const known = GetTemplate(name)) {
-        name = Current().names[known->RegID()];
+    int redirectsLeft = impl::mostRedirects;
+    if (std::size_t const row = impl::TemplateRow(name, redirectsLeft); row != IZO::npos) {
+        name = Current().names[row];
         return true;
     }
     return path::Normalize(name);

@@ -145,6 +145,12 @@ TEST_F(FindTest, ClimbingAboveTheTopGoesOnFromTheRoot) {
               "Project.Title");
 }
 
+TEST_F(FindTest, ANodeWithoutNameHasNothingAboveIt) {
+    H const clone(zo::Find("Soils[1].Name")->Clone());
+    EXPECT_FALSE(zo::LookupRelative(clone, L"@Parent"));
+    EXPECT_FALSE(zo::LookupRelative(clone, L"@Parent.Project.Title"));
+}
+
 TEST_F(FindTest, AWordThatOnlyBeginsLikeAClimbIsATag) {
     EXPECT_FALSE(zo::LookupRelative(zo::Find("Soils[1].Name"), L"@Parents"));
     EXPECT_FALSE(zo::LookupRelative(zo::Find("Soils[1].Name"), L"@Parent[1]"));

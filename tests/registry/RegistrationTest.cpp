@@ -158,6 +158,28 @@ TEST_F(RegistrationTest, ATagThatIsTakenRaises) {
     }
 }
 
+TEST_F(RegistrationTest, ANameWhoseTagWasTakenCanBeAskedFor) {
+    registry.AddPlain("Soils", L"Soils");
+    // Its row stays, but its node never learns it.
+    htl::handle<zo::IODS> const away(new zo::ODSName("Others", false));
+    EXPECT_THROW(registry->RegisterZO(away, H(new rows::Plain), MetaPersistTraits(MetaPersistTraits::No, L"Soils"),
+                                      rows::StructureTraits()),
+                 htl::status_exception);
+    std::string name = "Others";
+    EXPECT_TRUE(zo::ZORegistry::NormalizeName(name));
+    EXPECT_EQ(name, "Others");
+    EXPECT_EQ(zo::TagFromName("Others"), L"");
+    EXPECT_TRUE(zo::IsMatching("Others", "Others"));
+}
+
+TEST_F(RegistrationTest, RegistrationGoesOnBelowARowWhoseTagWasTaken) {
+    registry.AddPlain("Soils", L"Soils");
+    EXPECT_THROW(registry.AddPlain("Others", L"Soils"), htl::status_exception);
+    H const child = registry.AddPlain("Others.Name", L"Name");
+    EXPECT_EQ(child->RegID(), 3u);
+    EXPECT_EQ(RowOf("Others.Name"), 3u);
+}
+
 TEST_F(RegistrationTest, EmptyTagsNeverCollide) {
     registry.AddPlain("a", L"");
     registry.AddPlain("b", L"");

@@ -88,6 +88,32 @@ TEST_F(TemplateTest, RedirectsInACircleEnd) {
     EXPECT_FALSE(zo::FindTag(zo::Find("one"), L"B"));
 }
 
+/// Leads to itself, and counts how often it is asked.
+class Ring : public rows::OtherName {
+public:
+    Ring() : OtherName("Ring", true) {}
+    std::string RedirectName() const override {
+        ++timesAsked;
+        return OtherName::RedirectName();
+    }
+    mutable int timesAsked = 0;
+};
+
+TEST_F(TemplateTest, ALongNameThroughARingAsksItNoOftenerThanAShortOne) {
+    rows::OwnRegistry registry;
+    htl::handle<Ring> const ring(new Ring);
+    registry.Add("Ring", ring, L"Ring", rows::StructureTraits());
+    registry->OnPostRegistration();
+    std::string name = "Ring";
+    for (int i = 0; i < 2000; ++i) name += ".Ring";
+    EXPECT_EQ(zo::GetTemplate(name), ring.get()) << "behind a dead redirect the walk begins at the top";
+    EXPECT_LE(ring->timesAsked, 1000);
+    ring->timesAsked = 0;
+    (void)zo::TagFromName(name);
+    // A thousand for the template, and as many for the one live lookup that fails.
+    EXPECT_LE(ring->timesAsked, 2100);
+}
+
 TEST_F(TemplateTest, NormalizeNameReplacesIndices) {
     std::string name = "Soils[2].Cohesion";
     EXPECT_TRUE(zo::ZORegistry::NormalizeName(name));
