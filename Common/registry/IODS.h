@@ -13,7 +13,8 @@ public:
     ~IODS() override;
     /// Whether the store holds data of its own: such branches are cleared, written and read.
     virtual bool IsActiveDataStore() const = 0;
-    /// Whether the branch is there now. Walks and lookups skip branches that are not.
+    /// Whether the branch is there now. Walks step over a branch that is not; a name whose first component is such a
+    /// branch leads nowhere.
     virtual bool IsAvailable() const = 0;
     /// The client object behind the branch, or null. Owned by the client.
     virtual void* GetPtrType() const = 0;

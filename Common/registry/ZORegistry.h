@@ -42,7 +42,8 @@ public:
     /// missing are made. Registered nodes and stores live as long as the registry.
     ///
     /// Throws `htl::status_exception` with `duplicate_name()` for a name or tag that is taken; the row stays.
-    /// Cost: independent of the number of rows, save for the persist tree, where siblings are searched.
+    /// Cost: independent of the number of rows, save for the persist tree, where siblings are searched, and for rows
+    /// that come after `OnPostRegistration`, which move their siblings.
     void RegisterZO(htl::handle<IODS> const& store, H const& node, meta::MetaPersistTraits const& persist,
                     meta::MetaDataTraits const& data);
     /// Ends registration: sorts the lists of children and builds the tree of tags. May be called again after more rows.
@@ -57,7 +58,7 @@ public:
     /// Tells the node under `name` that client memory moved; with an empty name every top-level node. Unknown names do
     /// nothing.
     void InvalidateMemory(std::string const& name);
-    /// A view of row `regID` over `memory`, owned by this registry. The row's node must be a wrapper.
+    /// A view of row `regID` of the current registry over `memory`, without a name. The row's node must be a wrapper.
     H Wrap(std::size_t regID, void* memory);
 
     /// Brings a name to its registered form: the name of the template that it leads to, else every index as ".[]".

@@ -25,8 +25,8 @@ protected:
     ~ZOSet() override;
 
 public:
-    /// The element of an array. Empty for a null array or an index past the end. Not for elements of a node without
-    /// owner only: those come without owner, too.
+    /// The element of an array. Empty for a null array or an index past the end. Elements of an array without owner
+    /// come without owner, too.
     virtual H Find(ZOArray* array, std::size_t index) = 0;
     /// The child of a node. In a registry `name` is one component.
     virtual H Find(H const& node, std::string const& name) = 0;
