@@ -75,7 +75,7 @@ TEST(FormNameTest, AnyBytesGiveSomeText) {
     EXPECT_EQ(Form(""), "");
     EXPECT_EQ(Form(std::string("a\0b", 3)), std::string("a\0b", 3));
     EXPECT_EQ(Form("\xff\x80"), "\xff\x80");
-    EXPECT_EQ(Form(std::string(100'000, ')')).find_first_not_of(')'), std::string::npos);
+    EXPECT_EQ(Form(std::string(100'000, ')')), "") << "nothing is open that they could close";
     EXPECT_EQ(Form(std::string(100'000, '$'), 1), "");
 }
 
