@@ -182,6 +182,7 @@ TEST_F(MadeParentTest, ClearEndsWhereANameLeadsBackToTheMadeParent) {
     registry.AddPlain("al.placeholder_al", L"");
     registry->OnPostRegistration();
     H const made = zo::Find("placeholder_al");
+    ASSERT_EQ(zo::NextRegID(rows::RowOf("foo")), rows::RowOf("al.placeholder_al"));
     ASSERT_EQ(zo::Find("al.placeholder_al"), made);
     made->Clear();
     EXPECT_EQ(value, 0);

@@ -180,7 +180,7 @@ TEST_P(LongNameTest, EveryBeginningEndsInTime) {
 
 INSTANTIATE_TEST_SUITE_P(Pieces, LongNameTest,
                          testing::Values(".a", "[1]", ".[]", "[", "]", ".", "a", ".At(1)", ".HZNData", "@Parent.", "(",
-                                         "$1", ".Site.North", ".1", ".North"));
+                                         "$1", ".Site.North", ".1", ".North", ".Alias", ".Ring"));
 
 TEST_F(HostileNameTest, IndicesAtTheEdgesOfTheirRange) {
     for (std::string const index : {"-1", "3", "4294967295", "4294967296", "9223372036854775807", "9223372036854775808",
