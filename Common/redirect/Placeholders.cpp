@@ -68,7 +68,7 @@ H ZOPlaceholder::GetSubZO(std::string const& name) {
     std::size_t const child = tables.HasRow(RegID()) ? tables.ChildByName(RegID(), name) : npos;
     if (child == npos) return {};
     // A value with a store of its own is bound to it here, too: a detached one would swallow what is written.
-    if (tables.wrappers[child]) return HandDown(*this, impl::LiveChild(Owner(), child), nullptr);
+    if (tables.wrappers[child]) return HandDown(*this, impl::LiveChild(*this, child), nullptr);
     return HandDown(*this, H(tables.nodes[child]->Clone()), nullptr);
 }
 
@@ -156,7 +156,7 @@ H ZOParentPlaceholder::GetSubZO(std::string const& name) {
             if (isChild || (own == npos && row != self)) return found;
         }
     }
-    return own == npos ? H() : impl::LiveChild(Owner(), own);
+    return own == npos ? H() : impl::LiveChild(*this, own);
 }
 
 } // namespace zo

@@ -149,9 +149,11 @@ void IZO::GetNextSubZO(ZOFwrdIterator& position) {
     StandOnChild(*this, Current().nextSiblings[position.subID], position);
 }
 
-H impl::LiveChild(ZOSet const* owner, std::size_t child) {
+H impl::LiveChild(IZO const& parent, std::size_t child) {
     ZORegistryImpl const& tables = Current();
-    if (owner != tables.owner) return H(tables.nodes[child]->EmptyClone());
+    // A registered node stays this registry's, whichever set named it last: a detached child would swallow what is
+    // written to it.
+    if (parent.Owner() != tables.owner && !tables::IsPrototype(parent)) return H(tables.nodes[child]->EmptyClone());
     IZOWrapper* const wrapper = tables.wrappers[child];
     if (!wrapper) return H(tables.nodes[child]->Clone());
     IODS const& store = *tables.stores[child];
@@ -161,7 +163,7 @@ H impl::LiveChild(ZOSet const* owner, std::size_t child) {
 
 H IZO::GetSubZO(std::string const& name) {
     std::size_t const child = impl::tables::ChildByName(regID, name);
-    return child == npos ? H() : impl::LiveChild(owner, child);
+    return child == npos ? H() : impl::LiveChild(*this, child);
 }
 
 H GetWrapper(std::size_t regID, void* memory) {

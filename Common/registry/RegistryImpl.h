@@ -148,9 +148,9 @@ std::size_t FollowRedirects(std::size_t row, int& redirectsLeft);
 /// The node of such a row may lack a row of its own: one whose name or tag was taken never learnt it.
 std::size_t TemplateRow(std::string const& name, int& redirectsLeft);
 
-/// The node of row `child` as a child of a node without memory of its own that lives in `owner`: in the current
-/// registry a view bound by the row's own store, or a clone; in any other set an empty clone.
-H LiveChild(ZOSet const* owner, std::size_t child);
+/// The node of row `child` as a child of `parent`, which has no memory of its own: below a node of the current registry
+/// a view bound by the row's own store, or a clone; below any other an empty clone.
+H LiveChild(IZO const& parent, std::size_t child);
 
 } // namespace impl
 } // namespace zo

@@ -195,6 +195,22 @@ TEST_F(MadeParentTest, AnUnregisteredMadeParentHasNoChildren) {
     EXPECT_EQ(loose->OwnerID(), IZO::npos);
 }
 
+TEST_F(MadeParentTest, ValuesBelowARegisteredNodeStayBoundWhicheverSetNamedIt) {
+    double level = 3.5;
+    registry.AddPlain("Site", L"Site");
+    AddValue("Site.Level", L"Level", level);
+    registry->OnPostRegistration();
+    {
+        htl::handle<zo::ZORegistry> const other(new zo::ZORegistry);
+        H const site = other->Find("Site");
+        ASSERT_EQ(site->Owner(), other.get());
+        EXPECT_EQ(TextOf(zo::Find("Site.Level")), L"3.5");
+    }
+    ASSERT_EQ(zo::GetTemplate("Site")->Owner(), nullptr) << "the set that named it has ended";
+    ASSERT_TRUE(embankment::Succeeds(zo::Find("Site.Level")->Set(4.25)));
+    EXPECT_EQ(level, 4.25);
+}
+
 TEST_F(MadeParentTest, AValueBelowAPlainNodeIsBoundToItsOwnStoreToo) {
     double level = 3.5;
     registry.AddPlain("Site", L"Site");
