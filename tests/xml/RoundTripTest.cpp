@@ -43,7 +43,7 @@ TEST_F(RoundTripTest, SavingTwiceGivesTheSameBytes) {
 TEST(EmbankmentRoundTripTest, EmbankmentSurvivesALoad) {
     embankment::Embankment plan;
     std::wstring const text = Written();
-    plan.model = {};
+    plan.model = embankment::Model();
     ASSERT_TRUE(IsClean(LoadText(text)));
     embankment::Model const example = embankment::Example();
     ASSERT_EQ(plan.model.soils.size(), 3u);
