@@ -57,6 +57,10 @@ std::string NothingThere(Options const& options) {
            options.arguments[0] + ".";
 }
 
+std::string NoValue(zo::H const& node) {
+    return node->Name() + " has no value of its own; `slope show` lists its parts.";
+}
+
 int Show(Options const& options, Streams const& streams) {
     Document document;
     LoadReport const report = LoadWithProgress(document, options.arguments[0]);
@@ -71,6 +75,7 @@ int Get(Options const& options, Streams const& streams) {
     if (!Warn(report, options.arguments[0], streams)) return exitProblems;
     zo::H const node = Lookup(document, options);
     if (!node) return streams.Problem(NothingThere(options));
+    if (!node->IsValueType()) return streams.Problem(NoValue(node));
     std::wstring text;
     if (htl::status const failure = node->Get(text); failure.IsError()) return streams.Problem(Message(failure));
     streams.out << Narrow(text) << '\n';
@@ -94,6 +99,7 @@ int Set(Options const& options, Streams const& streams) {
 
     zo::H const node = Lookup(document, options);
     if (!node) return refuse(NothingThere(options));
+    if (!node->IsValueType()) return refuse(NoValue(node));
     meta::MetaDataTraits const traits = node->GetDataTraits();
     if (traits && !meta::CallRule(traits.Descriptor()->editable, node.get()))
         return refuse(node->Name() + " can't be edited.");

@@ -1,5 +1,6 @@
 #include "examples/slope/Document.h"
 
+#include "examples/slope/Audit.h"
 #include "examples/slope/Modules.h"
 #include "examples/slope/Text.h"
 
@@ -75,6 +76,7 @@ LoadReport Document::Load(std::string const& path) {
                                  " are named.");
     if (report.failure.IsError()) return report;
 
+    report.failure = AuditElements(path, report.dropped, report.invalid);
     CheckValues_(registry->Root(), report.invalid);
     for (std::string& broken : BrokenReferences(*project)) report.invalid.push_back(std::move(broken));
     return report;

@@ -16,7 +16,8 @@ namespace slope {
 struct LoadReport {
     htl::status failure;              ///< the file can't be opened, or isn't well-formed: with line and column
     std::vector<std::string> dropped; ///< what the file holds and the document doesn't take: a line each
-    std::vector<std::string> invalid; ///< what was taken although a rule of the model refuses it: a line each
+    std::vector<std::string>
+        invalid; ///< what was taken although a rule of the model refuses it, and what was made up: a line each
 
     bool IsClean() const { return !failure.IsError() && dropped.empty() && invalid.empty(); }
 };

@@ -44,7 +44,10 @@ TEST_F(CommandTest, GetOfAStructureSaysThatItHasNoValue) {
     Import("AT1");
     Outcome const outcome = Slope({"get", file, "Materials[0]"});
     EXPECT_EQ(outcome.exitStatus, 1);
-    EXPECT_TRUE(Holds(outcome.err, "Not supported"));
+    EXPECT_EQ(outcome.err, "slope: Materials[0] has no value of its own; `slope show` lists its parts.\n");
+    EXPECT_EQ(Slope({"set", file, "Materials", "1"}).err,
+              "slope: Materials has no value of its own; `slope show` lists its parts.\nslope: " + file +
+                  " stays as it is.\n");
 }
 
 TEST_F(CommandTest, SetSavesTheFile) {
@@ -93,6 +96,38 @@ TEST_F(CommandTest, SetDoesNotSaveWhatItCouldNotRead) {
     EXPECT_TRUE(Holds(outcome.err, "Materials[1].Crystal: unknown element or attribute \"3\""));
     EXPECT_TRUE(Holds(outcome.err, "Saving would lose what couldn't be read.\nslope: " + file + " stays as it is.\n"));
     EXPECT_EQ(ReadFile(file), before);
+}
+
+TEST_F(CommandTest, SetDoesNotSaveWithoutElementsThatLenLeavesOut) {
+    Import("AT2");
+    Replace(file, "<Materials Len=\"3\">", "<Materials Len=\"2\">");
+    std::string const before = ReadFile(file);
+    Outcome const outcome = Slope({"set", file, "Materials[0].Cohesion", "12.5"});
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_TRUE(Holds(outcome.err, "Materials: has 3 elements, but its Len is 2, so the rest is not read\n"));
+    EXPECT_EQ(ReadFile(file), before);
+    EXPECT_TRUE(Holds(Slope({"check", file}).out, "Materials: has 3 elements, but its Len is 2"));
+}
+
+TEST_F(CommandTest, SetDoesNotSaveWithoutAValueThatStandsTwice) {
+    Import("AT1");
+    Replace(file, "<Friction>15</Friction>", "<Friction>15</Friction><Friction>16</Friction>");
+    std::string const before = ReadFile(file);
+    Outcome const outcome = Slope({"set", file, "Materials[0].Cohesion", "12.5"});
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_TRUE(
+        Holds(outcome.err, "Materials[1].Friction: stands there more than once, and only one of them is kept\n"));
+    EXPECT_EQ(ReadFile(file), before);
+}
+
+TEST_F(CommandTest, CheckTellsElementsThatAreNotThere) {
+    Import("AT2");
+    Replace(file, "<Materials Len=\"3\">", "<Materials Len=\"5\">");
+    Outcome const outcome = Slope({"check", file});
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_TRUE(Holds(outcome.out, "Materials: has 3 elements, but its Len is 5\n"));
+    EXPECT_EQ(Slope({"set", file, "Materials.Len", "3"}).exitStatus, 0);
+    EXPECT_EQ(Slope({"check", file}).exitStatus, 0);
 }
 
 TEST_F(CommandTest, SetMendsAValueThatItsRuleRefuses) {
