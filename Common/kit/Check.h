@@ -50,6 +50,10 @@ public:
         for (RecordPlan const& record : plan.records) CheckRecord_(record);
         CheckBranches_();
         for (RecordPlan const& record : plan.records) CheckCycle_(record);
+        for (RecordPlan const& record : plan.records)
+            for (Line const& line : record.lines) CheckElements_(line);
+        for (BranchPlan const& branch : plan.branches)
+            if (branch.object) CheckElements_(branch.line);
     }
 
 private:
@@ -178,7 +182,8 @@ private:
                     Complain_(line, L"the parent " + Quoted_(std::string(parent)) + L" is missing.");
             }
             std::wstring_view const tag = SplitTag(line.tag).first;
-            bool const registered = parentNode && SubRegIDByTag(parentNode->RegID(), std::wstring(tag)) != IZO::npos;
+            bool const registered = (parent.empty() && tag == str::as_wstring(ZORegistry::RootName())) ||
+                                    (parentNode && SubRegIDByTag(parentNode->RegID(), std::wstring(tag)) != IZO::npos);
             if (!tag.empty() && (!tags.insert({parent, tag}).second || registered))
                 Complain_(line, L"the tag " + Quoted_(tag) + L" is taken.");
         }
@@ -191,6 +196,23 @@ private:
         case Shape::Record: return shape.type;
         case Shape::Pair: return RecordType_(*shape.second);
         default: return RecordType_(*shape.element);
+        }
+    }
+
+    /// A load makes elements and leaves their containers as they come, since a document leaves out an empty one.
+    void CheckElements_(Line const& line) {
+        if (line.shape.kind != Shape::Array && line.shape.kind != Shape::Map) return;
+        if (line.persist == Persist::Never) return;
+        if (std::type_info const* const type = RecordType_(line.shape)) CheckElement_(plan.Find(*type));
+    }
+    void CheckElement_(RecordPlan const* record) {
+        if (!record || !elements.insert(record).second) return;
+        for (Line const& line : record->lines) {
+            if (line.persist == Persist::Never) continue;
+            if (line.filled)
+                Complain_(line, L"a new " + Quoted_(record->name) +
+                                    L" is an element that has something in it, so an empty one would be lost.");
+            if (std::type_info const* const type = RecordType_(line.shape)) CheckElement_(plan.Find(*type));
         }
     }
 
@@ -213,6 +235,7 @@ private:
 
     Plan& plan;
     std::set<Slot const*> slots;
+    std::set<RecordPlan const*> elements; // that were looked at
     std::unordered_map<RecordPlan const*, State> states;
 };
 

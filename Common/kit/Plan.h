@@ -90,6 +90,7 @@ struct Line {
     Shape shape;
     Persist persist = Persist::Always;
     bool computed = false;                             // no reset writes to it
+    bool filled = false;                               // a container that isn't empty in a new object
     std::function<bool(IZO const&)> visible, editable; // of an array; values and records carry their own
 };
 

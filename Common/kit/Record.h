@@ -190,6 +190,7 @@ public:
         constexpr M S::*member = Member;
         plan->lines.push_back(impl::ArrayLine<M>(name, tag, options, place, meta::OffsetOf(member),
                                                  impl::SlotsOf<M, impl::MemberKey<S, Member>>()));
+        if constexpr (impl::isResizable<M>) plan->lines.back().filled = fresh && !((*fresh).*member).empty();
         return *this;
     }
 
@@ -202,6 +203,7 @@ public:
         constexpr M S::*member = Member;
         plan->lines.push_back(impl::MapLine<M>(name, tag, options, place, meta::OffsetOf(member),
                                                impl::SlotsOf<M, impl::MemberKey<S, Member>>()));
+        if constexpr (impl::isResizable<M>) plan->lines.back().filled = fresh && !((*fresh).*member).empty();
         return *this;
     }
 

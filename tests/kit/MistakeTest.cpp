@@ -273,9 +273,38 @@ TEST_F(MistakeTest, BranchesThatAreTaken) {
         kit.Branch<double>("A", L"B", [] { return &outer.b; });
         kit.Branch<double>("C", L"A", [] { return &outer.b; });
         kit.Branch<double>("HZNData", L"D", [] { return &outer.b; });
+        kit.Branch<double>("E", L"HZNData", [] { return &outer.b; });
+    });
+    EXPECT_EQ(Texts(report), (List{L"{A}: the name is taken.", L"{C}: the tag {A} is taken.",
+                                   L"{HZNData}: the name is taken.", L"{E}: the tag {HZNData} is taken."}));
+}
+
+struct Borehole {
+    std::vector<int> blows{4, 7};
+    std::map<int, double> tests{{1, 2.5}};
+    std::vector<int> shown{1};
+    std::vector<int> depths;
+};
+struct Survey {
+    std::vector<Borehole> holes{{}};
+};
+Survey survey;
+
+TEST_F(MistakeTest, ElementsThatComeWithFilledContainers) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Borehole>("Borehole")
+            .Array<&Borehole::blows>("Blows", L"Blows")
+            .Map<&Borehole::tests>("Tests", L"Tests[Test]")
+            .Array<&Borehole::shown>("Shown", L"Shown", {.persist = zo::kit::Persist::Never})
+            .Array<&Borehole::depths>("Depths", L"Depths");
+        // A single object may come filled: a load empties it first.
+        kit.Record<Survey>("Survey").Array<&Survey::holes>("Holes", L"Holes[Hole]");
+        kit.Branch<Survey>("Survey", L"Survey", [] { return &survey; });
     });
     EXPECT_EQ(Texts(report),
-              (List{L"{A}: the name is taken.", L"{C}: the tag {A} is taken.", L"{HZNData}: the name is taken."}));
+              (List{L"{Blows}: a new {Borehole} is an element that has something in it, so an empty one would be lost.",
+                    L"{Tests}: a new {Borehole} is an element that has something in it, so an empty one would be "
+                    L"lost."}));
 }
 
 TEST_F(MistakeTest, Modules) {
