@@ -23,6 +23,7 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -312,6 +313,22 @@ public:
         htl::handle<ZOMemMgr> const child(ChildMemMgr()->RemapClone(memory));
         child->SetOuter(manager);
         return new MapNode(RegID(), Owner(), manager, child);
+    }
+    /// New elements need not be the last ones: keys that were made before may be behind them. Only new ones are put to
+    /// their defaults.
+    htl::status Resize(std::size_t const& wanted) override {
+        std::size_t const length = Length(); // 0 of a prototype
+        if (length == 0 || wanted <= length || ChildMemMgr()->WrapperCount() > 0)
+            return ZOAssocArrayWrapperBase::Resize(wanted);
+        auto& map = *static_cast<C*>(Memory());
+        std::set<void const*> old;
+        for (auto const& element : map) old.insert(std::addressof(element));
+        if (!ResizeMap(map, wanted)) return ZOError::not_supported("");
+        meta::MetaDataTraits const traits = ChildMemMgr()->Traits().AsArray()->elementTraits();
+        for (auto& element : map)
+            if (!old.contains(std::addressof(element)))
+                traits.DepthFirstTraversal_(meta::resetToDefault, std::addressof(element), nullptr);
+        return {};
     }
     /// `array_memory_conflict` while views of elements live.
     htl::status RemoveAt(std::size_t const& index) override {

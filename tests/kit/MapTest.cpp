@@ -306,6 +306,13 @@ TEST_F(MapTest, RecordsOfASequenceAreFoundByTheirKey) {
     EXPECT_EQ(TextOf("Foundation.Piles.At(P9).Length"), L"12");
 }
 
+TEST_F(MapTest, GrowingKeepsTheValuesUnderTheLastKeys) {
+    constexpr int last = std::numeric_limits<int>::max();
+    foundation.settlements = {{3, 0.5}, {last, 2.5}};
+    ASSERT_TRUE(Succeeds(zo::Find("Foundation.Settlements")->SetLength(3)));
+    EXPECT_EQ(foundation.settlements, (std::map<int, double>{{3, 0.5}, {last - 1, 0}, {last, 2.5}}));
+}
+
 TEST_F(MapTest, RecordIsNotRemovedUnderItsViews) {
     foundation.anchors = {{L"A", 30, 4}, {L"B", -2, 5}};
     zo::H const node = zo::Find("Foundation.Anchors");
