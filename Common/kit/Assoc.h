@@ -301,79 +301,83 @@ private:
     bool prototype = false;
 };
 
-/// The view of a map.
-template <class C>
-class MapNode final : public ZOAssocArrayWrapperBase {
-    using K = typename MapShape<C>::Key;
-
+/// What the views of containers with keys of type K share. Node is the view itself and says which index a key has.
+template <class Node, class K>
+class AssocNode : public ZOAssocArrayWrapperBase {
 public:
     using ZOAssocArrayWrapperBase::ZOAssocArrayWrapperBase;
 
     IZO* RemapClone(void* memory, htl::handle<ZOMemMgr> const& manager) override {
         htl::handle<ZOMemMgr> const child(ChildMemMgr()->RemapClone(memory));
         child->SetOuter(manager);
-        return new MapNode(RegID(), Owner(), manager, child);
+        return new Node(RegID(), Owner(), manager, child);
     }
+    /// `array_memory_conflict` while views of elements live.
+    htl::status RemoveAt(std::size_t const& index) override {
+        if (ChildMemMgr()->WrapperCount() > 0) return ZOError::array_memory_conflict();
+        return ZOAssocArrayWrapperBase::RemoveAt(index);
+    }
+    std::uint32_t IndexFromKey(std::uint32_t key) const override {
+        return static_cast<Node const*>(this)->Index(KeyOf<K>(key));
+    }
+    std::uint32_t IndexFromKey(std::string const& key) const override {
+        return static_cast<Node const*>(this)->Index(KeyOf<K>(key));
+    }
+};
+
+/// The view of a map.
+template <class C>
+class MapNode final : public AssocNode<MapNode<C>, typename MapShape<C>::Key> {
+    using K = typename MapShape<C>::Key;
+    using Base = AssocNode<MapNode<C>, K>;
+
+public:
+    using Base::Base;
+
     /// New elements need not be the last ones: keys that were made before may be behind them. Only new ones are put to
     /// their defaults.
     htl::status Resize(std::size_t const& wanted) override {
-        std::size_t const length = Length(); // 0 of a prototype
-        if (length == 0 || wanted <= length || ChildMemMgr()->WrapperCount() > 0)
-            return ZOAssocArrayWrapperBase::Resize(wanted);
-        auto& map = *static_cast<C*>(Memory());
+        std::size_t const length = this->Length(); // 0 of a prototype
+        if (length == 0 || wanted <= length || this->ChildMemMgr()->WrapperCount() > 0) return Base::Resize(wanted);
+        auto& map = *static_cast<C*>(this->Memory());
         std::set<void const*> old;
         for (auto const& element : map) old.insert(std::addressof(element));
         if (!ResizeMap(map, wanted)) return ZOError::not_supported("");
-        meta::MetaDataTraits const traits = ChildMemMgr()->Traits().AsArray()->elementTraits();
+        meta::MetaDataTraits const traits = this->ChildMemMgr()->Traits().AsArray()->elementTraits();
         for (auto& element : map)
             if (!old.contains(std::addressof(element)))
                 traits.DepthFirstTraversal_(meta::resetToDefault, std::addressof(element), nullptr);
         return {};
     }
-    /// `array_memory_conflict` while views of elements live.
-    htl::status RemoveAt(std::size_t const& index) override {
-        if (ChildMemMgr()->WrapperCount() > 0) return ZOError::array_memory_conflict();
-        return ZOAssocArrayWrapperBase::RemoveAt(index);
-    }
-    std::uint32_t IndexFromKey(std::uint32_t key) const override { return Index_(KeyOf<K>(key)); }
-    std::uint32_t IndexFromKey(std::string const& key) const override { return Index_(KeyOf<K>(key)); }
-
-private:
-    std::uint32_t Index_(std::optional<K> const& key) const {
+    /// The index of a key, 0xFFFFFFFF for none.
+    std::uint32_t Index(std::optional<K> const& key) const {
         if (!key) return noIndex;
-        auto const& map = *static_cast<C const*>(Memory());
+        auto const& map = *static_cast<C const*>(this->Memory());
         auto const at = map.find(*key);
         return at == map.end() ? noIndex : IndexOf(map, at);
     }
 };
 
+/// The type of a member of a sequence's records.
+template <class C, auto KeyMember>
+using KeyMemberOf =
+    std::remove_cvref_t<decltype(std::declval<std::remove_cvref_t<decltype(std::declval<C&>()[0])>&>().*KeyMember)>;
+
 /// The view of a sequence of records, with a member as key. The first record of a key is the one that is found.
 template <class C, auto KeyMember>
-class KeyedNode final : public ZOAssocArrayWrapperBase {
+class KeyedNode final : public AssocNode<KeyedNode<C, KeyMember>, KeyMemberOf<C, KeyMember>> {
     using E = std::remove_cvref_t<decltype(std::declval<C&>()[0])>;
-    using K = std::remove_cvref_t<decltype(std::declval<E&>().*KeyMember)>;
+    using K = KeyMemberOf<C, KeyMember>;
+    using Base = AssocNode<KeyedNode<C, KeyMember>, K>;
 
 public:
-    using ZOAssocArrayWrapperBase::ZOAssocArrayWrapperBase;
+    using Base::Base;
 
-    IZO* RemapClone(void* memory, htl::handle<ZOMemMgr> const& manager) override {
-        htl::handle<ZOMemMgr> const child(ChildMemMgr()->RemapClone(memory));
-        child->SetOuter(manager);
-        return new KeyedNode(RegID(), Owner(), manager, child);
-    }
-    /// `array_memory_conflict` while views of elements live.
-    htl::status RemoveAt(std::size_t const& index) override {
-        if (ChildMemMgr()->WrapperCount() > 0) return ZOError::array_memory_conflict();
-        return ZOAssocArrayWrapperBase::RemoveAt(index);
-    }
-    std::uint32_t IndexFromKey(std::uint32_t key) const override { return Index_(KeyOf<K>(key)); }
-    std::uint32_t IndexFromKey(std::string const& key) const override { return Index_(KeyOf<K>(key)); }
-
-private:
-    std::uint32_t Index_(std::optional<K> const& key) const {
+    /// The index of a key, 0xFFFFFFFF for none.
+    std::uint32_t Index(std::optional<K> const& key) const {
         if (!key) return noIndex;
         std::uint32_t index = 0;
-        for (E const& record : *static_cast<C const*>(Memory())) {
+        for (E const& record : *static_cast<C const*>(this->Memory())) {
             if (record.*KeyMember == *key) return index;
             ++index;
         }

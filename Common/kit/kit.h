@@ -171,7 +171,8 @@ public:
 /// Registers what the modules declare in the calling thread's current registry, and ends its registration.
 ///
 /// All or nothing: with a mistake anywhere the registry stays as it was, and the report says what is wrong and where.
-/// It may be called again with other modules. The modules and what they are made of may go afterwards.
+/// It may be called again with other modules; each call knows only the types that its own modules declare. The modules
+/// and what they are made of may go afterwards.
 inline Report Register(std::vector<Module> const& modules) { return Registration::Run(modules); }
 
 } // namespace zo::kit
