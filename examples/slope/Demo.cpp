@@ -197,6 +197,12 @@ private:
     std::size_t elementLimit;
 };
 
+std::string RangeText(FactorRange const& range) {
+    std::string const lowest = ThreePlaces(range.lowest);
+    std::string const highest = ThreePlaces(range.highest);
+    return lowest == highest ? lowest : lowest + " to " + highest;
+}
+
 void SayWhereFilesAre(Folder const& folder, std::ostream& out) {
     if (folder.IsTemporary()) out << "The files were temporary; --out DIR keeps them.\n";
 }
@@ -218,12 +224,12 @@ bool RunDemo(std::string const& dataFolder, std::string const& problem, std::str
         Project project;
         if (htl::status const failure = ImportProblem(dataFolder, name, project); failure.IsError())
             return err << "slope: " << Message(failure) << '\n', false;
-        double const factor = MeanPublishedFactor(project);
+        FactorRange const published = PublishedFactors(project);
         // One problem is shown as a whole, of many the first records of each array.
         ProblemJob job(out, problems.size() == 1 ? 100 : 2);
         bool const result = job.Run(std::move(project), folder);
         good &= result;
-        summary.Add({name, ThreePlaces(factor), Count(job.roundTrip.size), Count(job.roundTrip.comparison.nodes),
+        summary.Add({name, RangeText(published), Count(job.roundTrip.size), Count(job.roundTrip.comparison.nodes),
                      Count(job.roundTrip.comparison.differing), result ? "nothing changed" : "FAILED"});
     }
     out << "Summary\n";

@@ -33,15 +33,15 @@ double SlopeHeight(Project const& project) {
     return highest - lowest;
 }
 
-double MeanPublishedFactor(Project const& project) {
-    double sum = 0;
-    int count = 0;
+FactorRange PublishedFactors(Project const& project) {
+    FactorRange range;
     for (Analysis const& analysis : project.analyses) {
         if (analysis.source != FactorSource::Published) continue;
-        sum += analysis.factorOfSafety;
-        ++count;
+        double const factor = analysis.factorOfSafety;
+        if (range.lowest == missing || factor < range.lowest) range.lowest = factor;
+        if (range.highest == missing || factor > range.highest) range.highest = factor;
     }
-    return count ? sum / count : missing;
+    return range;
 }
 
 std::vector<std::string> BrokenReferences(Project const& project) {

@@ -121,8 +121,12 @@ struct Project {
 /// The difference between the highest and the lowest point of the ground; 0 without ground.
 double SlopeHeight(Project const& project);
 
-/// The mean of the published factors of safety; `missing` if there is none.
-double MeanPublishedFactor(Project const& project);
+/// The lowest and the highest of a project's published factors of safety, which differ by method.
+struct FactorRange {
+    double lowest = missing;
+    double highest = missing; ///< both `missing` if none is published
+};
+FactorRange PublishedFactors(Project const& project);
 
 /// What refers to something that isn't there: a sentence each. A number typed by hand can name any point.
 std::vector<std::string> BrokenReferences(Project const& project);
