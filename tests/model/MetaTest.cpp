@@ -4,6 +4,7 @@
 #include "support/meta.h"
 
 #include <deque>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,20 @@ TEST(Traits, WithoutADescriptorAreEmptyAndVoid) {
     EXPECT_EQ(none.Descriptor(), nullptr);
     EXPECT_EQ(none.TypeName(), "void");
     EXPECT_FALSE(none.AsAtomic() || none.AsArray() || none.AsStructure());
+}
+
+TEST(Traits, CopiesWithAnEmptyHolderTouchNoCounter) {
+    auto const record = std::make_shared<meta::MetaTraits>();
+    {
+        MetaDataTraits const borrowed(*record);
+        MetaDataTraits const copy = borrowed;
+        EXPECT_EQ(copy.Descriptor(), record.get());
+        EXPECT_EQ(record.use_count(), 1);
+    }
+    MetaDataTraits const holding{std::shared_ptr<meta::MetaTraits const>(record)};
+    MetaDataTraits const copy = holding;
+    EXPECT_EQ(copy.Descriptor(), record.get());
+    EXPECT_EQ(record.use_count(), 3) << "the record, and a share in each of the two";
 }
 
 TEST(Traits, OfARecordThatNobodyFilledAreOfNoKind) {
