@@ -40,16 +40,21 @@ bool Normalize(std::wstring& tag);
 /// Number of "." plus 1; 0 for an empty text.
 std::size_t Depth(std::wstring_view tag) noexcept;
 
+/// The hash of the empty text.
+inline constexpr std::uint64_t emptyHash = 0x811c9dc5u;
+/// The hash of a text by that of the text before its last character.
+constexpr std::uint64_t Hash(std::uint64_t hash, char c) noexcept {
+    return (hash * 16777619u) ^ static_cast<std::uint64_t>(static_cast<std::int64_t>(static_cast<signed char>(c)));
+}
 /// The hash of names and tags: from 0x811c9dc5, for each character multiply by 16777619, then exclusive-or, in 64 bits.
 /// Narrow characters are sign-extended, wide ones zero-extended.
 constexpr std::uint64_t Hash(std::string_view text) noexcept {
-    std::uint64_t hash = 0x811c9dc5u;
-    for (char const c : text)
-        hash = (hash * 16777619u) ^ static_cast<std::uint64_t>(static_cast<std::int64_t>(static_cast<signed char>(c)));
+    std::uint64_t hash = emptyHash;
+    for (char const c : text) hash = Hash(hash, c);
     return hash;
 }
 constexpr std::uint64_t Hash(std::wstring_view text) noexcept {
-    std::uint64_t hash = 0x811c9dc5u;
+    std::uint64_t hash = emptyHash;
     for (wchar_t const c : text) hash = (hash * 16777619u) ^ static_cast<std::uint32_t>(c);
     return hash;
 }

@@ -29,11 +29,6 @@ char const* IZO::EventName(EventType event) {
     return index < std::size(evName) ? evName[index] : "";
 }
 
-IZO::IZO(std::size_t regID, ZOSet* owner, std::size_t ownerID) : owner(owner), ownerID(ownerID), regID(regID) {}
-
-IZO::IZO(IZO const& other)
-    : htl::handle_ref_counter(other), owner(other.owner), ownerID(other.ownerID), regID(other.regID) {}
-
 bool IZO::IsDefault() const {
     meta::MetaDataTraits const traits = GetDataTraits();
     if (auto const* const atomic = traits.AsAtomic()) return Ask(*this, atomic->isDefault);

@@ -25,7 +25,22 @@ struct ZOFwrdIterator;
 
 namespace impl {
 struct NodeAccess;
-}
+
+/// Where a set is, for as long as it is. Shared by the set and everything that names it as its owner, so that it does
+/// not matter which of them goes first. The count is plain, as that of nodes.
+struct SetAnchor {
+    ZOSet* set;
+    std::size_t count = 1; // the set's own
+
+    static SetAnchor* Share(SetAnchor* anchor) noexcept {
+        if (anchor) ++anchor->count;
+        return anchor;
+    }
+    static void Drop(SetAnchor* anchor) noexcept {
+        if (anchor && --anchor->count == 0) delete anchor;
+    }
+};
+} // namespace impl
 
 /// The counted node handle. An empty one is the answer of a failed lookup.
 using H = htl::handle<IZO, htl::handle_mgmt_refcounted>;
@@ -38,8 +53,8 @@ enum TagType {
 
 /// Base of all nodes.
 ///
-/// Lifetime: counted by handles; a fresh object has count 0. The owner set is a plain pointer, which the set clears
-/// when it ends. Threads: nodes have no lock, and a registry with its nodes belongs to one thread at a time.
+/// Lifetime: counted by handles; a fresh object has count 0. The owner set is not counted: a node that outlives it has no
+/// owner. Threads: nodes have no lock, and a registry with its nodes belongs to one thread at a time.
 class ZO_API IZO : public htl::handle_ref_counter {
 public:
     static constexpr char chSeparator = '.';                          ///< between name components
@@ -142,7 +157,7 @@ public:
     htl::status Set(void const*) = delete;
 
     /// The set that the node lives in, null for a node handed out alone. Not counted.
-    ZOSet* Owner() const noexcept { return owner; }
+    ZOSet* Owner() const noexcept { return anchor ? anchor->set : nullptr; }
     /// Index of the node's entry in its owner, npos without one.
     std::size_t OwnerID() const noexcept { return ownerID; }
     /// The node's row in the registry, npos without one.
@@ -172,7 +187,7 @@ public:
 private:
     friend struct impl::NodeAccess;
 
-    ZOSet* owner;
+    impl::SetAnchor* anchor;
     std::size_t ownerID;
     std::size_t regID;
     bool entered = false; // a set gave this very object its place, which ends with it
@@ -209,14 +224,14 @@ struct ZO_API NodeAccess {
     static htl::status Resize(IZO& node, std::size_t length) { return node.Resize(length); }
     static void GetNextSubZO(IZO& node, ZOFwrdIterator& position) { node.GetNextSubZO(position); }
 
-    static void SetOwner(IZO& node, ZOSet* owner, std::size_t ownerID) noexcept {
-        node.owner = owner;
-        node.ownerID = ownerID;
-        node.entered = ownerID != IZO::npos;
-    }
+    static void SetOwner(IZO& node, ZOSet* owner, std::size_t ownerID) noexcept;
     /// Whether a set gave this very node its place; a copy only knows the place of its original.
     static bool IsEntered(IZO const& node) noexcept { return node.entered; }
     static void SetRegID(IZO& node, std::size_t regID) noexcept { node.regID = regID; }
+
+    /// How many nodes are alive in the process, for tests that nothing is left over. Only libraries that were built with
+    /// assertions count; others give 0.
+    static std::size_t LiveNodes() noexcept;
 };
 
 } // namespace impl

@@ -6,8 +6,10 @@
 #include "Common/registry/RegistryImpl.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cassert>
 #include <string>
+#include <utility>
 
 namespace zo {
 
@@ -55,14 +57,49 @@ H FindElement(ZOSet& set, ZOArray* array, std::size_t index) { return set.Find(a
 
 } // namespace impl::tables
 
+void impl::NodeAccess::SetOwner(IZO& node, ZOSet* owner, std::size_t ownerID) noexcept {
+    impl::SetAnchor* const anchor = owner ? owner->Anchor() : nullptr;
+    if (anchor != node.anchor) impl::SetAnchor::Drop(std::exchange(node.anchor, impl::SetAnchor::Share(anchor)));
+    node.ownerID = ownerID;
+    node.entered = ownerID != IZO::npos;
+}
+
+namespace {
+
+#ifdef NDEBUG
+void CountNode(int) {}
+std::size_t CountedNodes() { return 0; }
+#else
+std::atomic<std::size_t> nodes = 0;
+void CountNode(int change) { nodes.fetch_add(static_cast<std::size_t>(change), std::memory_order_relaxed); }
+std::size_t CountedNodes() { return nodes.load(std::memory_order_relaxed); }
+#endif
+
+} // namespace
+
+std::size_t impl::NodeAccess::LiveNodes() noexcept { return CountedNodes(); }
+
+IZO::IZO(std::size_t regID, ZOSet* owner, std::size_t ownerID)
+    : anchor(impl::SetAnchor::Share(owner ? owner->Anchor() : nullptr)), ownerID(ownerID), regID(regID) {
+    CountNode(1);
+}
+
+IZO::IZO(IZO const& other)
+    : htl::handle_ref_counter(other), anchor(impl::SetAnchor::Share(other.anchor)), ownerID(other.ownerID),
+      regID(other.regID) {
+    CountNode(1);
+}
+
 IZO::~IZO() {
-    if (entered) owner->Impl()->Leave(this, ownerID);
+    CountNode(-1);
+    if (entered) Owner()->Impl()->Leave(this, ownerID);
+    impl::SetAnchor::Drop(anchor);
 }
 
 IZO& IZO::operator=(IZO const& other) {
     if (this == &other) return *this;
     ZOSetImpl::LeavePlace(*this);
-    owner = other.owner;
+    if (anchor != other.anchor) impl::SetAnchor::Drop(std::exchange(anchor, impl::SetAnchor::Share(other.anchor)));
     ownerID = other.ownerID;
     regID = other.regID;
     entered = false;
@@ -71,7 +108,7 @@ IZO& IZO::operator=(IZO const& other) {
 
 meta::MetaDataTraits IZO::GetDataTraits() const {
     ZORegistryImpl const& tables = Current();
-    assert(tables.HasRow(regID));
+    assert(tables.HasRow(regID) || !Owner()); // a node that outlived its set has lost its row with it
     return tables.HasRow(regID) ? tables.dataTraits[regID] : meta::MetaDataTraits();
 }
 
@@ -82,6 +119,7 @@ meta::MetaPersistTraits IZO::GetPersistTraits() const {
 }
 
 std::string IZO::Name() const {
+    ZOSet const* const owner = Owner();
     if (!owner || ownerID == npos) return {};
     std::vector<SetEntry*> const& order = owner->Impl()->entryOrder;
     return ownerID < order.size() && order[ownerID] ? order[ownerID]->name : std::string();
@@ -97,6 +135,7 @@ std::string IZO::SubName() const {
 std::string IZO::ParentName() const { return std::string(path::ParentPart(std::string_view(Name()))); }
 
 int IZO::CompareName(IZO const& other) const {
+    ZOSet const* const owner = Owner();
     if (ownerID == npos || other.ownerID == npos || ownerID == other.ownerID || !owner) return 0;
     std::vector<SetEntry*> const& order = owner->Impl()->entryOrder;
     auto const text = [&order](std::size_t id) -> std::string_view {

@@ -67,12 +67,8 @@ ZORegistryImpl::ZORegistryImpl(ZORegistry* owner) : owner(owner) {
             childrenByTag, viewRecords, stepRows);
 }
 
-ZORegistryImpl::~ZORegistryImpl() {
-    // Entries before rows; and a registered node that a client still holds must not look for its registry.
-    ReleaseAll();
-    for (H const& node : nodes)
-        if (node && node->Owner() == owner) NodeAccess::SetOwner(*node, nullptr, IZO::npos);
-}
+// Entries before rows.
+ZORegistryImpl::~ZORegistryImpl() { ReleaseAll(); }
 
 bool ZORegistryImpl::IsRegistryImpl() const { return true; }
 

@@ -148,6 +148,10 @@ std::size_t FollowRedirects(std::size_t row, int& redirectsLeft);
 /// The node of such a row may lack a row of its own: one whose name or tag was taken never learnt it.
 std::size_t TemplateRow(std::string const& name, int& redirectsLeft);
 
+/// An alias to the node that `owner` finds under a full name, which it keeps; empty without such a node. It has no row.
+/// Defined where aliases are.
+H MakeAlias(std::string const& source, ZOSet* owner);
+
 /// The node of row `child` as a child of `parent`, which has no memory of its own: below a node of the current registry
 /// a view bound by the row's own store, or a clone; below any other an empty clone.
 H LiveChild(IZO const& parent, std::size_t child);

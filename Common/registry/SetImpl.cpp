@@ -47,19 +47,22 @@ void EntryTable::Hook_(SetEntry* entry, SetEntry** place) noexcept {
 }
 
 void EntryTable::Insert(SetEntry* entry) {
+    if (entry->visible) return Insert(entry, path::Hash(entry->name));
     ++size;
     entry->hashed = false;
-    if (entry->visible) {
-        ++visible;
-        InsertHashed_(entry);
-    } else {
-        Hook_(entry, &waiting);
-    }
+    Hook_(entry, &waiting);
 }
 
-void EntryTable::InsertHashed_(SetEntry* entry) {
+void EntryTable::Insert(SetEntry* entry, std::uint64_t hash) {
+    ++size;
+    ++visible;
+    if (entry->name.size() > longestVisible) longestVisible = entry->name.size();
+    InsertHashed_(entry, hash);
+}
+
+void EntryTable::InsertHashed_(SetEntry* entry, std::uint64_t hash) {
     if (hashed >= buckets.size()) Grow_();
-    entry->hash = path::Hash(entry->name);
+    entry->hash = hash;
     SetEntry** const head = &buckets[entry->hash & (buckets.size() - 1)];
     SetEntry** place = head;
     for (SetEntry** at = head; *at; at = &(*at)->next) {
@@ -85,22 +88,23 @@ SetEntry* EntryTable::First(std::string_view name) {
         SetEntry* const entry = waiting;
         waiting = entry->next;
         if (waiting) waiting->back = &waiting;
-        InsertHashed_(entry);
+        InsertHashed_(entry, path::Hash(entry->name));
     }
-    return Search_(name);
+    return hashed == 0 ? nullptr : Search_(name, path::Hash(name));
 }
 
-SetEntry* EntryTable::Search_(std::string_view name) const noexcept {
-    if (hashed == 0) return nullptr;
-    std::uint64_t const hash = path::Hash(name);
+SetEntry* EntryTable::Search_(std::string_view name, std::uint64_t hash) const noexcept {
     for (SetEntry* entry = buckets[hash & (buckets.size() - 1)]; entry; entry = entry->next)
         if (entry->hash == hash && entry->name == name) return entry;
     return nullptr;
 }
 
 SetEntry* EntryTable::FirstVisible(std::string_view name) const noexcept {
-    if (visible == 0) return nullptr;
-    for (SetEntry* entry = Search_(name); entry; entry = entry->next)
+    return visible == 0 ? nullptr : FirstVisible(name, path::Hash(name));
+}
+
+SetEntry* EntryTable::FirstVisible(std::string_view name, std::uint64_t hash) const noexcept {
+    for (SetEntry* entry = Search_(name, hash); entry; entry = entry->next)
         if (entry->visible && entry->name == name) return entry;
     return nullptr;
 }
@@ -134,14 +138,26 @@ void ZOSetImpl::ResumeTracking() {
 void ZOSetImpl::Enter(ZOSet* set, SetEntry* entry, IZO* node, bool visible, bool counted) {
     // An entry that the node has elsewhere can't end with the node any more once the node knows this place.
     LeavePlace(*node);
+    Place_(set, entry, node, visible, counted);
+    entries.Insert(entry);
+}
+
+void ZOSetImpl::Place_(ZOSet* set, SetEntry* entry, IZO* node, bool visible, bool counted) {
     entry->node = node;
     entry->visible = visible;
     entry->counted = counted;
     entry->position = entryOrder.size();
     entryOrder.push_back(entry);
-    entries.Insert(entry);
     if (counted) Count::AddRef(node);
     NodeAccess::SetOwner(*node, set, entry->position);
+}
+
+void ZOSetImpl::Keep(ZOSet* set, std::string_view name, std::uint64_t hash, IZO* node) {
+    SetEntry* const entry = entries.Acquire();
+    entry->name = name;
+    LeavePlace(*node);
+    Place_(set, entry, node, true, true);
+    entries.Insert(entry, hash);
 }
 
 void ZOSetImpl::Enter(ZOSet* set, std::string_view name, IZO* node, bool visible, bool counted) {

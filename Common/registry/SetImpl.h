@@ -47,24 +47,31 @@ public:
     /// A visible entry goes behind every entry of the same name, a hidden one just behind the first: many handles to
     /// one node must not make each lookup search them all.
     void Insert(SetEntry* entry);
+    /// A visible entry whose name has this hash.
+    void Insert(SetEntry* entry, std::uint64_t hash);
     /// Unhooks; the entry stays the caller's.
     void Remove(SetEntry* entry) noexcept;
     /// The first entry under the name, or null.
     SetEntry* First(std::string_view name);
     /// The first visible entry under the name, or null.
     SetEntry* FirstVisible(std::string_view name) const noexcept;
+    SetEntry* FirstVisible(std::string_view name, std::uint64_t hash) const noexcept;
+    /// No visible entry has had a longer name.
+    std::size_t LongestVisible() const noexcept { return longestVisible; }
     std::size_t Size() const noexcept { return size; }
+    bool HasHidden() const noexcept { return size != visible; }
 
 private:
     void Grow_();
-    void InsertHashed_(SetEntry* entry);
-    SetEntry* Search_(std::string_view name) const noexcept;
+    void InsertHashed_(SetEntry* entry, std::uint64_t hash);
+    SetEntry* Search_(std::string_view name, std::uint64_t hash) const noexcept;
     static void Hook_(SetEntry* entry, SetEntry** place) noexcept;
 
     std::vector<SetEntry*> buckets; // a power of two
     std::size_t size = 0;
     std::size_t hashed = 0;  // of those, in buckets
     std::size_t visible = 0; // of those
+    std::size_t longestVisible = 0;
     SetEntry* waiting = nullptr;
     SetEntry* spare = nullptr;
 };
@@ -88,12 +95,18 @@ struct ZO_API ZOSetImpl {
     /// node has elsewhere without being counted there ends first.
     void Enter(ZOSet* set, SetEntry* entry, IZO* node, bool visible, bool counted);
     void Enter(ZOSet* set, std::string_view name, IZO* node, bool visible, bool counted);
+    /// A visible, counted place under a name with this hash.
+    void Keep(ZOSet* set, std::string_view name, std::uint64_t hash, IZO* node);
     /// Ends the place that `node` has in its owner, unless it is counted there. The node keeps its identity fields.
     static void LeavePlace(IZO const& node) noexcept;
     /// Ends the entry at `position` if it holds `node`. The node keeps its identity fields.
     void Leave(IZO const* node, std::size_t position) noexcept;
     /// Lets go of every node: clears their owners first, then ends all entries.
     void ReleaseAll() noexcept;
+
+private:
+    // The entry's place in the order, and what the node knows of it.
+    void Place_(ZOSet* set, SetEntry* entry, IZO* node, bool visible, bool counted);
 };
 
 /// Suspends a set's tracking for as long as it lives.

@@ -199,7 +199,7 @@ H LookupRelative(H const& start, std::wstring const& path) {
 std::wstring IZO::TagName(TagType type) const {
     std::string const entry = Name();
     std::string const above(path::ParentPart(std::string_view(entry)));
-    H const parent = above.empty() ? H() : owner->Find(above);
+    H const parent = above.empty() ? H() : Owner()->Find(above);
     if (!parent) {
         meta::MetaPersistTraits const traits = GetPersistTraits();
         return type == FullTagType ? traits.TagName : traits.Tag;

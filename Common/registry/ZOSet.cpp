@@ -9,10 +9,15 @@
 namespace zo {
 
 ZOSet::ZOSet(std::unique_ptr<ZOSetImpl> tables, htl::handle<ZOSet> from, htl::handle<ZOSet> to)
-    : impl(std::move(tables)), source(std::move(from)), base(to ? std::move(to) : source) {}
+    : impl(std::move(tables)), source(std::move(from)), base(to ? std::move(to) : source),
+      anchor(new impl::SetAnchor{this}) {}
 
-// Nodes before the set that they were read from; and while the tables can still be asked for by way of their owner.
-ZOSet::~ZOSet() { impl->ReleaseAll(); }
+ZOSet::~ZOSet() {
+    // Nodes before the set that they were read from; and while the tables can still be asked for by way of their owner.
+    impl->ReleaseAll();
+    anchor->set = nullptr;
+    impl::SetAnchor::Drop(anchor);
+}
 
 H ZOSet::Find(std::string const& name, int a, int b, int c) { return Find(FormName(name, a, b, c)); }
 

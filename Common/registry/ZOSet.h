@@ -6,16 +6,19 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace zo {
 
 class ZOArray;
+class ZOTransaction;
 struct ZOSetImpl;
 
 /// Nodes under names, found by name or tag.
 ///
-/// Lifetime: counted, so it lives on the heap behind a handle. Nodes point back at their set without counting; when a
-/// set ends it clears that pointer in every node that it still knows. Threads: none of it is locked.
+/// Lifetime: counted, so it lives on the heap behind a handle. Nodes name their set as owner without counting it; when a
+/// set ends they have no owner any more. Threads: none of it is locked.
 class ZO_API ZOSet : public htl::handle_ref_counter {
 public:
     ZOSet(ZOSet const&) = delete;
@@ -25,6 +28,8 @@ protected:
     ~ZOSet() override;
 
 public:
+    /// A transaction that reads from this set and commits to it. The set must live behind a handle.
+    virtual htl::handle<ZOTransaction> CreateTransaction();
     /// The element of an array. Empty for a null array or an index past the end. Elements of an array without owner
     /// come without owner, too.
     virtual H Find(ZOArray* array, std::size_t index) = 0;
@@ -44,6 +49,12 @@ public:
     /// The child of a node by tag; "[n]" and "n" give element n - 1 of an array.
     H FindTag(H const& node, std::wstring const& tag);
 
+    /// Enters an alias to the node under `source`. Empty, with nothing entered, if there is none or the name is taken.
+    H AssociateAlias(std::string const& name, std::string const& source);
+    /// Enters a structure of aliases, with `name` as its tag; each pair is a sub-name and a source name. Empty if the
+    /// name is taken. The sources need not be there yet.
+    H AssociateAlias(std::string const& name, std::vector<std::pair<std::string, std::string>> const& pairs);
+
     /// Turns the text of an access expression into a name; `$1`, `ZO_INDEX1` and `ZO_ARG1` take the first argument.
     /// A negative argument leaves the marker as "$1".
     static std::string FormName(std::string const& text, int a, int b, int c);
@@ -55,6 +66,8 @@ public:
 
     /// The tables of this set, for the library's own use.
     ZOSetImpl* Impl() const noexcept { return impl.get(); }
+    /// What its nodes hold of it, for the library's own use.
+    impl::SetAnchor* Anchor() const noexcept { return anchor; }
 
 protected:
     /// `base` empty: the same as `source`.
@@ -63,6 +76,9 @@ protected:
     std::unique_ptr<ZOSetImpl> impl;
     htl::handle<ZOSet> source;
     htl::handle<ZOSet> base;
+
+private:
+    impl::SetAnchor* anchor;
 };
 
 } // namespace zo

@@ -3,7 +3,7 @@
 // There is one cursor and one live node for each depth, whatever the size of the document.
 #pragma once
 
-#include "Common/xml/CastCache.h"
+#include "Common/model/CastCache.h"
 #include "Common/xml/PersistEntry.h"
 
 #include "support/version.h"
@@ -86,7 +86,7 @@ private:
     /// Steps to the next active sibling; false at the end.
     bool Step_();
 
-    CastCache<IZOWrapper> asWrapper;
+    zo::impl::CastCache<IZOWrapper> asWrapper;
     // Cursors of the last children, used again once nobody else holds them.
     htl::handle<ZOElemWriter> spareChild;
     htl::handle<ZOElemWriterArrayEntry> spareEntries;

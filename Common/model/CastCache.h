@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <typeinfo>
 
-namespace zo::xml::impl {
+namespace zo::impl {
 
 /// `dynamic_cast<To*>` that remembers the last answer. The elements of an array are of one class, and the distance from
 /// a node to its other base is the same in all objects of a class; searching for it takes longer than formatting a
@@ -33,4 +33,4 @@ private:
     std::ptrdiff_t distance = 0;
 };
 
-} // namespace zo::xml::impl
+} // namespace zo::impl

@@ -1,0 +1,270 @@
+// From a transaction to the set that it commits to.
+#include "Common/ZOUtil/NamePath.h"
+#include "Common/model/CastCache.h"
+#include "Common/model/ZOWrapper.h"
+#include "Common/registry/JournalWriter.h"
+#include "Common/registry/RegistryImpl.h"
+#include "Common/registry/ZORedirect.h"
+#include "Common/registry/ZORegistry.h"
+#include "Common/registry/ZOTransaction.h"
+
+#include "support/units.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string_view>
+#include <typeinfo>
+#include <utility>
+#include <vector>
+
+namespace zo {
+
+namespace {
+
+struct Staged {
+    std::string_view name;
+    H node;
+    std::size_t position;
+    std::uint64_t key = 0; // of the sort
+};
+
+/// The 8 bytes of a name at an offset, the first one highest; zero behind its end.
+std::uint64_t KeyAt(std::string_view name, std::size_t offset) noexcept {
+    std::uint64_t key = 0;
+    std::size_t const count = offset < name.size() ? std::min<std::size_t>(8, name.size() - offset) : 0;
+    for (std::size_t i = 0; i < 8; ++i)
+        key = key << 8 | (i < count ? static_cast<unsigned char>(name[offset + i]) : 0u);
+    return key;
+}
+
+bool ByName(Staged const& a, Staged const& b) noexcept {
+    int const order = a.name.compare(b.name);
+    return order != 0 ? order < 0 : a.position < b.position;
+}
+
+/// Sorts by name, bytewise, entries of one name by position. Names in a tree share long beginnings, so the sort goes by
+/// 8 bytes at a time and looks at further ones only where those are equal.
+void SortByName(std::vector<Staged>& staged) {
+    struct Range {
+        std::size_t first, last, offset;
+    };
+    std::vector<Range> ranges{{0, staged.size(), 0}};
+    while (!ranges.empty()) {
+        Range const range = ranges.back();
+        ranges.pop_back();
+        auto const first = staged.begin() + static_cast<std::ptrdiff_t>(range.first);
+        auto const last = staged.begin() + static_cast<std::ptrdiff_t>(range.last);
+        constexpr std::ptrdiff_t few = 12;
+        if (last - first <= few) {
+            std::sort(first, last, ByName);
+            continue;
+        }
+        for (auto at = first; at != last; ++at) at->key = KeyAt(at->name, range.offset);
+        std::sort(first, last, [](Staged const& a, Staged const& b) { return a.key < b.key; });
+        for (auto at = first; at != last;) {
+            auto const end = std::find_if(at, last, [key = at->key](Staged const& other) { return other.key != key; });
+            // Where a name ends among these, what is equal may still differ in length.
+            bool const goesOn =
+                std::all_of(at, end, [&range](Staged const& other) { return other.name.size() >= range.offset + 8; });
+            if (!goesOn)
+                std::sort(at, end, ByName);
+            else if (end - at > 1)
+                ranges.push_back({static_cast<std::size_t>(at - staged.begin()),
+                                  static_cast<std::size_t>(end - staged.begin()), range.offset + 8});
+            at = end;
+        }
+    }
+}
+
+/// The entries of a set as they are now, whatever an assignment may do to the set.
+class Entries {
+public:
+    explicit Entries(ZOSetImpl const& impl) {
+        std::size_t length = 0;
+        for (SetEntry const* const entry : impl.entryOrder)
+            if (entry) length += entry->name.size();
+        names.reserve(length);
+        staged.reserve(impl.entryOrder.size());
+        for (SetEntry const* const entry : impl.entryOrder) {
+            if (!entry) continue;
+            names += entry->name; // within what was reserved, so that views of it stay
+            std::string_view const all = names;
+            staged.push_back({all.substr(all.size() - entry->name.size()), H(entry->node), entry->position});
+        }
+        SortByName(staged);
+    }
+    Entries(Entries const&) = delete;
+    Entries& operator=(Entries const&) = delete;
+
+    auto begin() const noexcept { return staged.begin(); }
+    auto end() const noexcept { return staged.end(); }
+
+private:
+    std::string names;
+    std::vector<Staged> staged;
+};
+
+/// The unit system in the node of a name; none for an empty name, an absent node or a failed read.
+math::unitsystem::Type UnitSystemOf(ZOSet& set, std::string const& name) {
+    H const node = name.empty() ? H() : set.Find(name);
+    htl::Int64 number = 0;
+    if (!node || node->Get(number).IsError() || number < 0 || number > std::numeric_limits<std::int32_t>::max())
+        return math::unitsystem::None;
+    return static_cast<math::unitsystem::Type>(number);
+}
+
+/// How a staged value becomes the value of a node.
+class Assignment {
+public:
+    Assignment(ZOSet& from, std::string const& sourceUnits, ZOSet& to, std::string const& targetUnits) {
+        auto const source = UnitSystemOf(from, sourceUnits);
+        auto const target = UnitSystemOf(to, targetUnits);
+        if (source == math::unitsystem::None || target == math::unitsystem::None || source == target) return;
+        sourceSet = hzn::units::SystemUnitSet(source);
+        targetSet = hzn::units::SystemUnitSet(target);
+        converts = !sourceSet.IsZero() && !targetSet.IsZero();
+    }
+
+    htl::status operator()(IZO& target, H const& source) const {
+        if (converts)
+            if (meta::MetaDataTraits const traits = target.GetDataTraits();
+                auto const* const atomic = traits.AsAtomic())
+                if (std::optional<double> const value = Converted_(*atomic, target, *source)) return target.Set(*value);
+        return target.Assign(source);
+    }
+
+private:
+    std::optional<double> Converted_(meta::MetaTraitsAtomic const& atomic, IZO& target, IZO& source) const {
+        if (!atomic.unitKind) return {};
+        hzn::units::Kind::Type const kind = atomic.unitKind(nullptr, &target);
+        double value = 0, present = 0;
+        if (kind == hzn::units::Kind::None || source.Get(value).IsError() || target.Get(present).IsError()) return {};
+        if (value == std::numeric_limits<double>::max()) return {};
+        return math::units::ConvertBetweenUnitSets(kind, value, sourceSet, targetSet);
+    }
+
+    bool converts = false;
+    math::UnitSet sourceSet, targetSet;
+};
+
+/// Assigns staged nodes one by one.
+class Committer {
+public:
+    Committer(ZOSet& base, Assignment const& assignment, ZOJournal* journal)
+        : base(base), assignment(assignment), baseIsRegistry(&base == ZORegistry::Instance()) {
+        if (journal) writer.emplace(*journal, base);
+    }
+
+    /// Whether nothing could come of an assignment: a structure has no value. To look for its node would cost as much
+    /// as a value does.
+    bool HasNoValue(IZO const& node) const {
+        if (!baseIsRegistry || typeid(node) != typeid(ZOStructClone)) return false;
+        ZORegistryImpl const& tables = impl::Current();
+        return tables.HasRow(node.RegID()) && typeid(*tables.nodes[node.RegID()]) == typeid(ZOWrapperStruct);
+    }
+    bool IsAlias(IZO& node) {
+        ZORedirect const* const redirect = asRedirect(node);
+        return redirect && redirect->IsAlias();
+    }
+
+    void CoverKeyed(std::string_view name, IZO const& node) {
+        if (!writer) return;
+        int levels = impl::LevelsBelowKeys(node.RegID());
+        if (levels < 0) return;
+        for (; levels > 0; --levels) name = path::ParentPart(name);
+        if (!name.empty()) writer->CoverWhole(name);
+    }
+
+    /// Keys move their elements, so they come when everything else has found its place.
+    void Add(std::string const& name, H const& node) {
+        if (impl::IsKeyRow(node->RegID()))
+            keys.emplace_back(name, node);
+        else if (H const target = base.Find(name))
+            Assign_(name, node, target);
+    }
+
+    htl::status Finish() {
+        std::vector<H> targets;
+        targets.reserve(keys.size());
+        for (auto const& [name, node] : keys) targets.push_back(base.Find(name));
+        for (std::size_t i = 0; i < keys.size(); ++i)
+            if (targets[i]) Assign_(keys[i].first, keys[i].second, targets[i]);
+        targets.clear();
+        if (writer) writer->Finish();
+        return std::move(overall);
+    }
+
+private:
+    void Assign_(std::string const& name, H const& node, H const& target) {
+        if (writer) writer->Before(name, *node, target);
+        htl::status failure = assignment(*target, node);
+        if (writer) writer->After(target);
+        if (failure.IsError() && !overall.IsError() && !failure.Is(21661)) overall = std::move(failure);
+    }
+
+    ZOSet& base;
+    Assignment const& assignment;
+    bool baseIsRegistry;
+    impl::CastCache<ZORedirect> asRedirect;
+    std::optional<JournalWriter> writer;
+    std::vector<std::pair<std::string, H>> keys;
+    htl::status overall;
+};
+
+/// The node behind a chain of redirects, and its name; empty where the chain leads nowhere.
+H FollowRedirects(H node, std::string& name) {
+    for (int steps = 0; node && steps < impl::mostRedirects; ++steps) {
+        auto const* const redirect = dynamic_cast<ZORedirect const*>(node.get());
+        if (!redirect) return node;
+        node = redirect->Redirect();
+        name = node ? node->Name() : std::string();
+    }
+    return {};
+}
+
+} // namespace
+
+htl::status ZOTransaction::Commit(std::string const& sourceUnits, std::string const& targetUnits, ZOJournal* journal) {
+    htl::handle<ZOSet> const target(Base()); // what is assigned may drop the last other handle
+    Assignment const assignment(*this, sourceUnits, *target, targetUnits);
+    Entries const staged(*impl);
+    Committer committer(*target, assignment, journal);
+    if (journal)
+        for (Staged const& entry : staged) committer.CoverKeyed(entry.name, *entry.node);
+
+    std::string name;
+    for (Staged const& entry : staged) {
+        if (committer.HasNoValue(*entry.node) || committer.IsAlias(*entry.node)) continue;
+        name = entry.name;
+        committer.Add(name, entry.node);
+    }
+    return committer.Finish();
+}
+
+htl::status ZOTransaction::CommitAs(std::string const& from, std::string const& to, std::string const& sourceUnits,
+                                    std::string const& targetUnits, ZOJournal* journal) {
+    if (journal) journal->Clear();
+    std::string origin = from;
+    H const first = FollowRedirects(Find(from), origin);
+    if (!first || origin.empty()) return {};
+
+    htl::handle<ZOSet> const target(Base());
+    Assignment const assignment(*this, sourceUnits, *target, targetUnits);
+    Entries const staged(*impl);
+    Committer committer(*target, assignment, journal);
+    auto at = std::lower_bound(staged.begin(), staged.end(), std::string_view(origin),
+                               [](Staged const& entry, std::string_view name) { return entry.name < name; });
+    auto const last =
+        std::find_if(at, staged.end(), [&origin](Staged const& entry) { return !entry.name.starts_with(origin); });
+    auto const targetName = [&](Staged const& entry) { return to + std::string(entry.name.substr(origin.size())); };
+    if (journal)
+        for (auto entry = at; entry != last; ++entry)
+            if (impl::IsWithin(entry->name, origin)) committer.CoverKeyed(targetName(*entry), *entry->node);
+    for (; at != last; ++at)
+        if (impl::IsWithin(at->name, origin)) committer.Add(targetName(*at), at->node);
+    return committer.Finish();
+}
+
+} // namespace zo
