@@ -124,8 +124,11 @@ meta::MetaDataTraits ZOAliasBase::GetDataTraits() const {
 }
 
 bool ZOAliasBase::IsUndefined() const {
-    // Not the source's own answer: that of a registered prototype, or of a client's class, is about itself.
-    return Ask(Target(), true, [](IZO const& source) { return source.IZO::IsUndefined(); });
+    // Not by the source's own answer: what that says of itself may differ from what its value says.
+    return Ask(Target(), true, [](IZO const& source) {
+        auto const* const alias = dynamic_cast<ZOAliasBase const*>(&source);
+        return alias ? alias->ZOAliasBase::IsUndefined() : source.IZO::IsUndefined();
+    });
 }
 
 std::size_t ZOAliasBase::Length() const {
