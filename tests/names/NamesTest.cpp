@@ -24,6 +24,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <type_traits>
 
 namespace {
@@ -418,6 +419,52 @@ TEST(NamesTest, PlaceholdersAreThere) {
     EXPECT_TRUE(Has<void()>(&zo::PlaceholderContext::InitializeContext));
     EXPECT_TRUE(Has<H(size_t const&)>(&zo::ZOPlaceholderArray::GetSubZO));
     EXPECT_TRUE(Has<void()>(&zo::ZOParentPlaceholder::Clear));
+}
+
+// ---- Links and identity
+
+static_assert(std::is_base_of_v<zo::ZORedirect, zo::ZOLink>);
+static_assert(std::is_base_of_v<zo::ZOWrapperBase, zo::ZOWrapperLinkBase>);
+static_assert(std::is_base_of_v<zo::ZOLink, zo::ZOWrapperLinkBase> && std::is_abstract_v<zo::ZOWrapperLinkBase>);
+static_assert(std::is_same_v<zo::RecordName, std::function<string(GGID const&, ZOSet&)>>);
+static_assert(int(zo::Link::AsStored) == 0 && int(zo::Link::Packed) == 1);
+
+template <class T>
+constexpr bool isLinkType = std::is_base_of_v<zo::ZOAccessLink<T>, zo::ZOWrapperLink<T>>&& std::is_base_of_v<
+    zo::IZOKind<T>, zo::ZOWrapperLink<T>>&& Makes<zo::ZOWrapperLink<T>, size_t, ZOSet*, MetaDataTraits const&, void*,
+                                                  Handle<zo::ZOMemMgr> const&, zo::RecordName const*>;
+static_assert(isLinkType<int> && isLinkType<unsigned> && isLinkType<long> && isLinkType<unsigned long> &&
+              isLinkType<__int64> && isLinkType<unsigned __int64>);
+
+TEST(NamesTest, LinksAreThere) {
+    EXPECT_TRUE(Has<zo::ZOFwrdIterator()>(&zo::ZOLink::LinkBegin));
+    EXPECT_TRUE(Has<void(zo::ZOFwrdIterator&)>(&zo::ZOLink::LinkGetNextSubZO));
+    EXPECT_TRUE(Has<H(string const&)>(&zo::ZOLink::LinkGetSubZO));
+    EXPECT_TRUE(Has<zo::ZOFwrdIterator()>(&zo::ZOWrapperLinkBase::begin));
+    EXPECT_TRUE(Has<string() const>(&zo::ZOAccessLink<int>::RedirectName));
+    EXPECT_TRUE(Has<IZO*()>(&zo::ZOWrapperLink<__int64>::Clone));
+}
+
+TEST(NamesTest, IdentityIsThere) {
+    EXPECT_TRUE(Has<bool(H const&)>(&zo::IsLinkField));
+    EXPECT_TRUE(Has<bool(string const&)>(&zo::IsLinkField));
+    EXPECT_TRUE((Has<GGID(H const&, zo::Link::Type)>(&zo::GetLink)));
+    EXPECT_TRUE((Has<GGID(H const&, zo::Link::Type)>(&zo::GetRecordID)));
+    EXPECT_TRUE((Has<status(H const&, GGID const&)>(&zo::SetLink)));
+    EXPECT_TRUE((Has<H(H const&, unsigned)>(&zo::GetSource)));
+    EXPECT_TRUE(Has<H(H const&)>(&zo::GetSource));
+    EXPECT_TRUE((Has<H(ZOSet*, GGID const&)>(&zo::GetSource)));
+    EXPECT_TRUE(Has<H(GGID const&)>(&zo::GetSource));
+    EXPECT_TRUE((Has<H(ZOSet*, hzn::gid::ContainerRef)>(&zo::GetSource)));
+    EXPECT_TRUE(Has<H(hzn::gid::ContainerRef)>(&zo::GetSource));
+    EXPECT_TRUE((Has<H(GGID const&, wstring const&)>(&zo::LookupRelative)));
+    EXPECT_TRUE(Has<GID(H const&)>(&zo::GetObjectIDByTag));
+    EXPECT_TRUE((Has<status(H const&, GID const&)>(&zo::SetObjectIDByTag)));
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::GetObjectName));
+    EXPECT_TRUE((Has<status(H const&, wstring const&)>(&zo::SetObjectName)));
+    EXPECT_TRUE(Has<bool(H const&)>(&zo::IsID));
+    EXPECT_TRUE((Has<status(Handle<zo::ZOTransaction> const&, GGID const&, GGID const&, string const&, string const&)>(
+        &zo::CommitAs)));
 }
 
 // ---- Documents
