@@ -2,7 +2,6 @@
 //
 // What is checked is what must hold whatever the order: no operation touches what is gone (sanitized builds see that),
 // a refused resize loses nothing, and at the end of a sequence no node is alive.
-
 #include <zo/zo.h>
 
 #include "support/describe.h"
