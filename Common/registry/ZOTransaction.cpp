@@ -160,7 +160,9 @@ H ZOTransaction::Stage_(Step& step) {
     } else {
         if (!step.parent) return {};
         std::string_view last = path::LastPart(std::string_view(name));
-        if (last.size() > 1 && last != "[]" && last.front() == IZO::chArrayOpen) last.remove_prefix(1);
+        if (last.starts_with(IZO::chArrayOpen)) last.remove_prefix(1);
+        // No spelling of a component: as an alias it would lead on to the parent itself.
+        if (last.empty() || last.find_first_of(".[]") != last.npos) return {};
         found = NodeAccess::GetSubZO(*step.parent, std::string(last));
         if (found && found->OwnerID() != IZO::npos) {
             resolved = found->Name();

@@ -1,58 +1,19 @@
 // Lookups step by step: which node a spelling leads to, and which entries are left while it is held.
 #include "Common/registry/RegistryImpl.h"
-#include "tests/registry/Rows.h"
+#include "tests/registry/Grid.h"
 
 namespace {
 
+using grid::DoubleTraits;
+using grid::LayersTraits;
+using grid::LayerTraits;
+using grid::Texts;
 using rows::H;
 using rows::IZO;
 using rows::NameOf;
 
-struct Layer {
-    double b = 0;
-};
-struct Grid {
-    std::vector<Layer> a{std::vector<Layer>(5)};
-    std::vector<std::vector<int>> g{{1, 2, 3}, {4, 5, 6}};
-};
-
-meta::MetaDataTraits DoubleTraits() { return meta::AtomicTraits<double>(); }
-meta::MetaDataTraits IntTraits() { return meta::AtomicTraits<int>(); }
-meta::MetaDataTraits LayerTraits() {
-    static meta::MetaDataTraits const traits = meta::StructureBuilder<Layer>().Member(&Layer::b, DoubleTraits).Build();
-    return traits;
-}
-meta::MetaDataTraits LayersTraits() {
-    static meta::MetaDataTraits const traits = meta::ArrayTraits<std::vector<Layer>>(LayerTraits);
-    return traits;
-}
-meta::MetaDataTraits RowTraits() {
-    static meta::MetaDataTraits const traits = meta::ArrayTraits<std::vector<int>>(IntTraits);
-    return traits;
-}
-meta::MetaDataTraits RowsTraits() {
-    static meta::MetaDataTraits const traits = meta::ArrayTraits<std::vector<std::vector<int>>>(RowTraits);
-    return traits;
-}
-
-/// `a` is an array of five structures with a member `b`; `g` holds two arrays of three numbers.
-class TraceTest : public rows::RegistryTest {
+class TraceTest : public grid::GridTest {
 protected:
-    TraceTest() {
-        using namespace embankment;
-        for (std::size_t i = 0; i < 5; ++i) grid.a[i].b = 10.0 * static_cast<double>(i);
-        registry.Add("a", ArrayPrototype(LayersTraits()), L"A", LayersTraits(), &grid.a);
-        registry.Add("a.[]", StructPrototype(LayerTraits()), L"", LayerTraits());
-        registry.Add("a.[].b", ValuePrototype<double>(DoubleTraits()), L"B", DoubleTraits());
-        registry.Add("g", ArrayPrototype(RowsTraits()), L"G", RowsTraits(), &grid.g);
-        registry.Add("g.[]", ArrayPrototype(RowTraits()), L"", RowTraits());
-        registry.Add("g.[].[]", ValuePrototype<int>(IntTraits()), L"", IntTraits());
-        registry.Add("s", StructPrototype(LayerTraits()), L"S", LayerTraits(), &single);
-        registry.Add("s.b", ValuePrototype<double>(DoubleTraits()), L"B", DoubleTraits());
-        registry.Add("al", H(new rows::OtherName("s", true)), L"Al", rows::StructureTraits());
-        registry->OnPostRegistration();
-    }
-
     /// The entries that a lookup left, without the root's.
     std::vector<std::string> Entries() const {
         std::vector<std::string> names;
@@ -64,17 +25,7 @@ protected:
             }
         return names;
     }
-    double ValueOf(H const& node) const {
-        double value = -1;
-        EXPECT_TRUE(node && embankment::Succeeds(node->Get(value)));
-        return value;
-    }
-
-    Grid grid;
-    Layer single{7};
 };
-
-using Texts = std::vector<std::string>;
 
 TEST_F(TraceTest, AMemberLeavesAnEntryOfItsOwnOnly) {
     H const node = zo::Find("s.b");
