@@ -38,6 +38,13 @@ bool IndexOf(std::wstring_view name, std::size_t& index) {
     return true;
 }
 
+/// The child row of an alias, which stands in no list of tags but is known under its own; npos for none.
+std::size_t AliasByTag(ZORegistryImpl const& tables, std::size_t regID, std::wstring const& tag) {
+    if (!tables.HasRow(regID)) return IZO::npos;
+    std::size_t const row = tables.RowOfTag(path::Join(std::wstring_view(tables.tagNames[regID]), tag));
+    return row != IZO::npos && tables.parents[row] == regID && tables.IsAlias(row) ? row : IZO::npos;
+}
+
 /// Names the member that the next structure view is asked for, so that it needs no search.
 class FindHint {
 public:
@@ -80,7 +87,8 @@ std::size_t ZOElemReader::AttributeRows::Find(ZORegistryImpl const& tables, std:
             next = i + 1;
             return hits[i].row;
         }
-    std::size_t const row = tables.ChildByTag(regID, tag);
+    std::size_t row = tables.ChildByTag(regID, tag);
+    if (row == IZO::npos) row = AliasByTag(tables, regID, tag);
     // A hostile element may have attributes without number.
     constexpr std::size_t limit = 64;
     if (row != IZO::npos && hits.size() < limit) {

@@ -43,6 +43,8 @@ void Empty(H const& node, Step const& step) {
         (array || entry.persist.IsPersistedAsValue))
         // A refusal leaves the length: the document's own length may still be accepted.
         (void)node->SetLength(0);
+    // What an alias keeps now may be an element, which would keep its array from being emptied.
+    if (!array) zo::impl::NodeAccess::OnInvalidateMemory(*node);
     if (!array || step.below.empty()) return;
     for (std::size_t i = 0; i < array->Length(); ++i)
         for (Step const& element : step.below)
