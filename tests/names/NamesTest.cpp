@@ -421,22 +421,54 @@ TEST(NamesTest, PlaceholdersAreThere) {
     EXPECT_TRUE(Has<void()>(&zo::ZOParentPlaceholder::Clear));
 }
 
+// ---- Aliases
+
+static_assert(std::is_base_of_v<IZO, zo::ZOAliasBase> && std::is_base_of_v<zo::ZORedirect, zo::ZOAliasBase>);
+static_assert(std::is_abstract_v<zo::ZOAliasBase> && Makes<zo::ZOAlias, string const&, size_t, ZOSet*>);
+static_assert(std::is_base_of_v<zo::ZOAliasBase, zo::ZOAlias> && std::is_base_of_v<zo::ZOAlias, zo::ZOAliasAbsolute>);
+static_assert(Makes<zo::ZOAliasAbsolute, string const&, size_t, ZOSet*>);
+static_assert(std::is_base_of_v<zo::ZOAliasBase, zo::ZOAliasAbsoluteSlow> &&
+              std::is_base_of_v<zo::ZOAliasBase, zo::ZOAliasRelative>);
+static_assert(Makes<zo::ZOAliasAbsoluteSlow, wstring const&, size_t, ZOSet*>);
+static_assert(Makes<zo::ZOAliasRelative, wstring const&, size_t, ZOSet*>);
+using AliasPairs = std::vector<std::pair<string, string>>;
+static_assert(Makes<zo::ZOAliasSet, wstring const&, AliasPairs const&, size_t, ZOSet*>);
+static_assert(std::is_base_of_v<zo::ZOAlias, zo::ZOAssocByIDAlias> && std::is_abstract_v<zo::ZOAssocByIDAlias>);
+static_assert(std::is_constructible_v<zo::ZOAliasRegistrator, H const&, Handle<zo::IODS> const&, MetaPersistTraits>);
+
+TEST(NamesTest, AliasesAreThere) {
+    EXPECT_TRUE(Has<H()>(&zo::ZOAliasBase::WriteRedirect));
+    EXPECT_TRUE(Has<bool()>(&zo::ZOAliasBase::Validate));
+    EXPECT_TRUE(Has<bool() const noexcept>(&zo::ZOAliasBase::IsAlias));
+    EXPECT_TRUE(Has<H() const>(&zo::ZOAlias::Redirect));
+    EXPECT_TRUE(Has<string() const>(&zo::ZOAlias::RedirectName));
+    EXPECT_TRUE(Has<string const&() const noexcept>(&zo::ZOAlias::SrcName));
+    EXPECT_TRUE(Has<H()>(&zo::ZOAliasAbsolute::WriteRedirect));
+    EXPECT_TRUE(Has<IZO*()>(&zo::ZOAliasAbsoluteSlow::Clone));
+    EXPECT_TRUE(Has<IZO*()>(&zo::ZOAliasRelative::Clone));
+    EXPECT_TRUE(Has<zo::ZOFwrdIterator()>(&zo::ZOAliasSet::begin));
+    EXPECT_TRUE(Has<std::uint32_t(std::uint32_t) const>(&zo::ZOAssocByIDAlias::IndexOfKey));
+    EXPECT_TRUE((Has<H(string const&, string const&)>(&ZOSet::AssociateAlias)));
+    EXPECT_TRUE((Has<H(string const&, AliasPairs const&)>(&ZOSet::AssociateAlias)));
+}
+
 // ---- Links and identity
 
 static_assert(std::is_base_of_v<zo::ZORedirect, zo::ZOLink>);
 static_assert(std::is_base_of_v<zo::ZOWrapperBase, zo::ZOWrapperLinkBase>);
 static_assert(std::is_base_of_v<zo::ZOLink, zo::ZOWrapperLinkBase> && std::is_abstract_v<zo::ZOWrapperLinkBase>);
-static_assert(std::is_same_v<zo::RecordName, std::function<string(GGID const&, ZOSet&)>>);
+static_assert(std::is_abstract_v<zo::RecordNames>);
 static_assert(int(zo::Link::AsStored) == 0 && int(zo::Link::Packed) == 1);
 
 template <class T>
 constexpr bool isLinkType = std::is_base_of_v<zo::ZOAccessLink<T>, zo::ZOWrapperLink<T>>&& std::is_base_of_v<
     zo::IZOKind<T>, zo::ZOWrapperLink<T>>&& Makes<zo::ZOWrapperLink<T>, size_t, ZOSet*, MetaDataTraits const&, void*,
-                                                  Handle<zo::ZOMemMgr> const&, zo::RecordName const*>;
+                                                  Handle<zo::ZOMemMgr> const&, Handle<zo::RecordNames const> const&>;
 static_assert(isLinkType<int> && isLinkType<unsigned> && isLinkType<long> && isLinkType<unsigned long> &&
               isLinkType<__int64> && isLinkType<unsigned __int64>);
 
 TEST(NamesTest, LinksAreThere) {
+    EXPECT_TRUE(Has<string(GGID const&, ZOSet&) const>(&zo::RecordNames::NameOf));
     EXPECT_TRUE(Has<zo::ZOFwrdIterator()>(&zo::ZOLink::LinkBegin));
     EXPECT_TRUE(Has<void(zo::ZOFwrdIterator&)>(&zo::ZOLink::LinkGetNextSubZO));
     EXPECT_TRUE(Has<H(string const&)>(&zo::ZOLink::LinkGetSubZO));
