@@ -15,6 +15,8 @@ namespace zo {
 
 using impl::NodeAccess;
 
+RecordNames::~RecordNames() = default;
+
 // Each step through a link is a redirect of its own: links may lead to each other, or to themselves.
 
 ZOFwrdIterator ZOLink::LinkBegin() {
@@ -68,8 +70,8 @@ void ZOWrapperLinkBase::GetNextSubZO(ZOFwrdIterator& position) { LinkGetNextSubZ
 
 template <class T>
 ZOAccessLink<T>::ZOAccessLink(std::size_t regID, ZOSet* owner, meta::MetaDataTraits const& traits, void* memory,
-                              htl::handle<ZOMemMgr> const& manager, RecordName const* names)
-    : ZOWrapperLinkBase(regID, owner, traits, memory, manager), names(names) {}
+                              htl::handle<ZOMemMgr> const& manager, htl::handle<RecordNames const> names)
+    : ZOWrapperLinkBase(regID, owner, traits, memory, manager), names(std::move(names)) {}
 
 template <class T>
 T ZOAccessLink<T>::GetData() const {
@@ -90,10 +92,10 @@ template <class T>
 std::string ZOAccessLink<T>::RedirectName() const {
     meta::MetaTraitsAtomic const* const record = AccessTraits().AsAtomic();
     // A prototype has an offset where a view has memory.
-    if (!record || record->linkGroup == 0 || !names || !*names || IsPrototype() || !Memory()) return {};
+    if (!record || record->linkGroup == 0 || !names || IsPrototype() || !Memory()) return {};
     T const value = GetData();
     if (!std::in_range<GID>(value) || value == T{} || record->isMissing(&value)) return {};
-    return (*names)({record->linkGroup, static_cast<GID>(value)}, impl::tables::OwnerOrCurrent(*this));
+    return names->NameOf({record->linkGroup, static_cast<GID>(value)}, impl::tables::OwnerOrCurrent(*this));
 }
 
 template <class T>

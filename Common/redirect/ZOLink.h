@@ -9,7 +9,6 @@
 
 #include "support/gid.h"
 
-#include <functional>
 #include <string>
 
 namespace zo {
@@ -43,16 +42,25 @@ protected:
     void GetNextSubZO(ZOFwrdIterator& position) override;
 };
 
-/// Finds the name of a record's node: of `record` in `set`, "" for none. Asked at each step through a link.
-using RecordName = std::function<std::string(GGID const& record, ZOSet& set)>;
+/// Knows where records are.
+///
+/// Lifetime: counted, for views of links outlive the registry that made them.
+class ZO_API RecordNames : public htl::handle_ref_counter {
+public:
+    /// The name of a record's node in `set`, "" for none. Asked at each step through a link.
+    virtual std::string NameOf(GGID const& record, ZOSet& set) const = 0;
+
+protected:
+    ~RecordNames() override;
+};
 
 /// Reads and writes a link's number in client memory, and leads to the record.
 template <class T>
 class ZO_API ZOAccessLink : public ZOWrapperLinkBase {
 public:
-    /// `names` is not copied and must outlive every view of the row: what registered the row keeps it.
+    /// With `names` empty the link leads nowhere.
     ZOAccessLink(std::size_t regID, ZOSet* owner, meta::MetaDataTraits const& traits, void* memory,
-                 htl::handle<ZOMemMgr> const& manager, RecordName const* names);
+                 htl::handle<ZOMemMgr> const& manager, htl::handle<RecordNames const> names);
 
     T GetData() const;
     htl::status SetData(T const& value);
@@ -60,7 +68,7 @@ public:
     std::string RedirectName() const override;
 
 protected:
-    RecordName const* names;
+    htl::handle<RecordNames const> names;
 };
 
 /// A link field over client memory that holds the record's number: a value node like any other, and the record's door.

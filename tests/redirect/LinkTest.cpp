@@ -124,16 +124,18 @@ TEST_F(LinkTest, ALinkWithoutNamesLeadsNowhere) {
     EXPECT_FALSE(zo::Find("Profiles[0].Wells[0].Next.@"));
 }
 
-TEST_F(LinkTest, ALinkWithAnEmptyFunctionLeadsNowhere) {
+TEST_F(LinkTest, ALinkHoldsItsNamesAliveBeyondItsRow) {
     int number = 2;
-    zo::RecordName const none;
-    H const link(new zo::ZOWrapperLink<int>(IZO::npos, &*registry, LinkTraits<int>(materialGroup), &number, {}, &none));
-    EXPECT_FALSE(AsLink(link)->Redirect());
+    records::NamesHandle own(new records::NamesBy([](GGID const&, zo::ZOSet&) { return "Site"; }));
+    H const link(new zo::ZOWrapperLink<int>(IZO::npos, &*registry, LinkTraits<int>(materialGroup), &number, {}, own));
+    ASSERT_EQ(own->RefCount(), 2);
+    own.release();
+    EXPECT_EQ(NameOf(AsLink(link)->Redirect()), "Site");
 }
 
 TEST_F(LinkTest, ALinkWithoutGroupLeadsNowhere) {
     int number = 2;
-    H const link(new zo::ZOWrapperLink<int>(IZO::npos, &*registry, meta::AtomicTraits<int>(), &number, {}, &names));
+    H const link(new zo::ZOWrapperLink<int>(IZO::npos, &*registry, meta::AtomicTraits<int>(), &number, {}, names));
     EXPECT_EQ(AsLink(link)->RedirectName(), "");
 }
 
@@ -145,20 +147,20 @@ TEST_F(LinkTest, ALinkWithoutMemoryLeadsNowhere) {
 TEST_F(LinkTest, TheNameIsAskedWithTheRecordAndTheOwner) {
     GGID record;
     zo::ZOSet* set = nullptr;
-    zo::RecordName const noted = [&](GGID const& asked, zo::ZOSet& where) {
+    records::NamesHandle const noted(new records::NamesBy([&](GGID const& asked, zo::ZOSet& where) {
         record = asked;
         set = &where;
         return std::string("Site");
-    };
+    }));
     int number = 9;
     MetaDataTraits const traits = LinkTraits<int>(regionGroup);
-    H const loose(new zo::ZOWrapperLink<int>(IZO::npos, nullptr, traits, &number, {}, &noted));
+    H const loose(new zo::ZOWrapperLink<int>(IZO::npos, nullptr, traits, &number, {}, noted));
     EXPECT_EQ(NameOf(AsLink(loose)->Redirect()), "Site");
     EXPECT_EQ(record, (GGID{regionGroup, 9}));
     EXPECT_EQ(set, &*registry) << "the current registry, where there is no owner";
 
     auto const transaction = registry->CreateTransaction();
-    H const owned(new zo::ZOWrapperLink<int>(IZO::npos, transaction.get(), traits, &number, {}, &noted));
+    H const owned(new zo::ZOWrapperLink<int>(IZO::npos, transaction.get(), traits, &number, {}, noted));
     EXPECT_EQ(AsLink(owned)->Redirect()->Owner(), transaction.get());
     EXPECT_EQ(set, transaction.get());
 }
@@ -402,13 +404,38 @@ TEST_F(LinkTest, ATransactionStagesALinkAsItsNumber) {
     EXPECT_EQ(model.regions[0].material, 3);
 }
 
+TEST_F(LinkTest, ATransactionFollowsACircleOfLinksToItsEnd) {
+    auto const transaction = registry->CreateTransaction();
+    std::string name = "Materials[0]";
+    for (int i = 0; i < 101; ++i) name += ".Substitute.@";
+    ASSERT_TRUE(transaction->Find(name + ".Name"));
+    EXPECT_TRUE(Succeeds(transaction->Find(name + ".Name")->Set(L"Silt")));
+    EXPECT_EQ(TextOf(transaction->Find("Materials[1].Name")), L"Silt");
+    EXPECT_TRUE(Succeeds(transaction->Commit("", "")));
+    EXPECT_EQ(model.materials[1].name, L"Silt");
+    EXPECT_EQ(model.materials[0].name, L"Fill");
+}
+
+TEST_F(LinkTest, AStagedLinkOutlivesItsTransactionAsAValue) {
+    H link, cohesion;
+    {
+        auto const transaction = registry->CreateTransaction();
+        link = transaction->Find("Regions[0].Material");
+        cohesion = transaction->Find("Regions[0].Material.Cohesion");
+    }
+    EXPECT_EQ(link->Owner(), nullptr);
+    EXPECT_EQ(zo::GetLink(link, zo::Link::Packed), (GGID{materialGroup, 2}));
+    EXPECT_EQ(zo::GetRecordID(link, zo::Link::Packed), GGID());
+    EXPECT_FALSE(zo::IsLinkField(cohesion));
+}
+
 // ---- The six types
 
 template <class T>
 class LinkTypeTest : public RecordsTest {
 protected:
     H Over(T& number) {
-        return H(new zo::ZOWrapperLink<T>(IZO::npos, &*registry, LinkTraits<T>(materialGroup), &number, {}, &names));
+        return H(new zo::ZOWrapperLink<T>(IZO::npos, &*registry, LinkTraits<T>(materialGroup), &number, {}, names));
     }
 };
 using LinkTypes = testing::Types<int, unsigned, long, unsigned long, htl::Int64, htl::UInt64>;

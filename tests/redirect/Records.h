@@ -13,6 +13,7 @@
 #include "support/describe.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -86,7 +87,18 @@ inline std::string NameOfRecord(GGID const& record) {
     GGID const container = hzn::gid::ContainerRef(GGID(), record.group).EnclosingRecordId();
     return hzn::gid::IsValid(container) ? element(NameOfRecord(container) + ".Wells") : std::string();
 }
-inline zo::RecordName const names = [](GGID const& record, zo::ZOSet&) { return NameOfRecord(record); };
+/// Asks a function for the names of records.
+class NamesBy final : public zo::RecordNames {
+public:
+    using Function = std::function<std::string(GGID const& record, zo::ZOSet& set)>;
+    explicit NamesBy(Function function) : function(std::move(function)) {}
+    std::string NameOf(GGID const& record, zo::ZOSet& set) const override { return function(record, set); }
+
+private:
+    Function function;
+};
+using NamesHandle = htl::handle<zo::RecordNames const>;
+inline NamesHandle const names(new NamesBy([](GGID const& record, zo::ZOSet&) { return NameOfRecord(record); }));
 
 /// What an application registers for identifiers: a link that reads the whole identifier.
 class RecordView : public zo::ZOWrapperLinkBase, public zo::IZOKind<GGID> {
@@ -148,7 +160,7 @@ MetaDataTraits LinkTraits(GID group, std::optional<T> missing = meta::StandardMi
     return meta::AtomicBuilder<T>().LinkGroup(group).Missing(missing).Build();
 }
 template <class T>
-H LinkPrototype(MetaDataTraits const& traits, std::size_t offset = 0, zo::RecordName const* recordNames = &names) {
+H LinkPrototype(MetaDataTraits const& traits, std::size_t offset = 0, NamesHandle const& recordNames = names) {
     return H(new zo::ZOWrapperLink<T>(IZO::npos, nullptr, traits, reinterpret_cast<void*>(offset), {}, recordNames));
 }
 
@@ -234,8 +246,8 @@ protected:
               WellTraits(), nullptr, OffsetOf(&Profile::wells));
         value("Profiles.[].Wells.[].Depth", L"Depth", OffsetOf(&Well::depth));
         MetaDataTraits const next = LinkTraits<unsigned>(wellGroup, 0u);
-        registry.Add("Profiles.[].Wells.[].Next", LinkPrototype<unsigned>(next, OffsetOf(&Well::next), nullptr),
-                     L"Next", next);
+        registry.Add("Profiles.[].Wells.[].Next", LinkPrototype<unsigned>(next, OffsetOf(&Well::next), {}), L"Next",
+                     next);
 
         array("Samples", L"Samples[Sample]", meta::ArrayTraits<std::vector<Sample>>(SampleTraits), SampleTraits(),
               &model.samples);
