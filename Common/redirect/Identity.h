@@ -22,14 +22,18 @@ struct Link {
 ZO_API bool IsLinkField(H const& node);
 /// Of the current registry's node under `name`.
 ZO_API bool IsLinkField(std::string const& name);
-/// The record that the field refers to. A link that is not set has the field's group and the number 0.
+/// The record that the field refers to. A link that is not set, or whose value is no number of 32 bits, has the field's
+/// group and the number 0; so has a registered prototype. Empty for what refers to nothing.
 ZO_API GGID GetLink(H const& node, Link::Type type);
 /// The record that holds the node: the group of the nearest record or array of records around it, and the element's
-/// index plus 1, or 1 in a record that is no element. Empty for a node without owner. A redirect counts as its source,
-/// a link field as itself.
+/// index plus 1, or 1 in a record that is no element. Beside the elements of an array of records, as in "Soils.Len",
+/// the number is 0xFFFFFFFE. With group 0 where no record is around the node or its container's number can't be packed;
+/// empty for a node without owner. A redirect counts as its source, a link field as itself.
 ZO_API GGID GetRecordID(H const& node, Link::Type type);
-/// Makes the field refer to a record, or to none for an empty identifier. Failure: `HznError::internal` for a node
-/// without a value, 27568 for a record of another group, else the write's own.
+/// Makes the field refer to a record, or to none: a link field for the number 0, a node of the type `GGID` for a zero
+/// in either word. A link field takes a number without a group for one of its own group's. Failure:
+/// `HznError::internal` for a node without a value and for a registered prototype, 27568 for a record of another group,
+/// else the write's own.
 ZO_API htl::status SetLink(H const& node, GGID const& value);
 
 /// Follows at most `depth` redirects, and one for a depth of 0. A redirect to nothing gives the last node reached.
