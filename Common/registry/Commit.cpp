@@ -23,11 +23,14 @@ namespace zo {
 
 namespace {
 
+/// One entry on its way to the commit.
 struct Staged {
-    std::string_view name;
-    H node;
-    std::size_t position;
-    std::uint64_t key = 0; // of the sort
+    std::uint64_t key; // of the sort
+    char const* text;
+    std::uint32_t length;
+    std::uint32_t index;
+
+    std::string_view Name() const noexcept { return {text, length}; }
 };
 
 /// The 8 bytes of a name at an offset, the first one highest; zero behind its end.
@@ -40,8 +43,8 @@ std::uint64_t KeyAt(std::string_view name, std::size_t offset) noexcept {
 }
 
 bool ByName(Staged const& a, Staged const& b) noexcept {
-    int const order = a.name.compare(b.name);
-    return order != 0 ? order < 0 : a.position < b.position;
+    int const order = a.Name().compare(b.Name());
+    return order != 0 ? order < 0 : a.index < b.index;
 }
 
 /// Sorts by name, bytewise, entries of one name by position. Names in a tree share long beginnings, so the sort goes by
@@ -56,18 +59,19 @@ void SortByName(std::vector<Staged>& staged) {
         ranges.pop_back();
         auto const first = staged.begin() + static_cast<std::ptrdiff_t>(range.first);
         auto const last = staged.begin() + static_cast<std::ptrdiff_t>(range.last);
-        constexpr std::ptrdiff_t few = 12;
+        constexpr std::ptrdiff_t few = 6;
         if (last - first <= few) {
             std::sort(first, last, ByName);
             continue;
         }
-        for (auto at = first; at != last; ++at) at->key = KeyAt(at->name, range.offset);
+        for (auto at = first; at != last; ++at) at->key = KeyAt(at->Name(), range.offset);
         std::sort(first, last, [](Staged const& a, Staged const& b) { return a.key < b.key; });
         for (auto at = first; at != last;) {
             auto const end = std::find_if(at, last, [key = at->key](Staged const& other) { return other.key != key; });
             // Where a name ends among these, what is equal may still differ in length.
-            bool const goesOn =
-                std::all_of(at, end, [&range](Staged const& other) { return other.name.size() >= range.offset + 8; });
+            bool const goesOn = end - at == 1 || std::all_of(at, end, [&range](Staged const& other) {
+                                    return other.length >= range.offset + 8;
+                                });
             if (!goesOn)
                 std::sort(at, end, ByName);
             else if (end - at > 1)
@@ -78,32 +82,42 @@ void SortByName(std::vector<Staged>& staged) {
     }
 }
 
-/// The entries of a set as they are now, whatever an assignment may do to the set.
+/// The entries of a set as they are now, in the order of their names, whatever an assignment may do to the set.
 class Entries {
 public:
-    explicit Entries(ZOSetImpl const& impl) {
+    /// Without the nodes for which `skip` says true.
+    template <class Skip>
+    Entries(ZOSetImpl const& impl, Skip skip) {
         std::size_t length = 0;
-        for (SetEntry const* const entry : impl.entryOrder)
-            if (entry) length += entry->name.size();
-        names.reserve(length);
-        staged.reserve(impl.entryOrder.size());
+        std::vector<SetEntry const*> taken;
+        taken.reserve(impl.entryOrder.size());
         for (SetEntry const* const entry : impl.entryOrder) {
-            if (!entry) continue;
-            names += entry->name; // within what was reserved, so that views of it stay
-            std::string_view const all = names;
-            staged.push_back({all.substr(all.size() - entry->name.size()), H(entry->node), entry->position});
+            if (!entry || skip(*entry->node)) continue;
+            taken.push_back(entry);
+            length += entry->name.size();
         }
-        SortByName(staged);
+        nodes.reserve(taken.size());
+        order.reserve(taken.size());
+        names.reserve(length);
+        for (SetEntry const* const entry : taken) {
+            order.push_back({0, names.data() + names.size(), static_cast<std::uint32_t>(entry->name.size()),
+                             static_cast<std::uint32_t>(nodes.size())});
+            nodes.emplace_back(entry->node);
+            names += entry->name;
+        }
+        SortByName(order);
     }
     Entries(Entries const&) = delete;
     Entries& operator=(Entries const&) = delete;
 
-    auto begin() const noexcept { return staged.begin(); }
-    auto end() const noexcept { return staged.end(); }
+    H const& Node(Staged const& entry) const { return nodes[entry.index]; }
+    auto begin() const noexcept { return order.begin(); }
+    auto end() const noexcept { return order.end(); }
 
 private:
-    std::string names;
-    std::vector<Staged> staged;
+    std::vector<H> nodes;
+    std::string names; // end to end
+    std::vector<Staged> order;
 };
 
 /// The unit system in the node of a name; none for an empty name, an absent node or a failed read.
@@ -160,9 +174,12 @@ public:
     /// Whether nothing could come of an assignment: a structure has no value. To look for its node would cost as much
     /// as a value does.
     bool HasNoValue(IZO const& node) const {
-        if (!baseIsRegistry || typeid(node) != typeid(ZOStructClone)) return false;
+        // By address: a second description of the type only costs the look.
+        if (!baseIsRegistry || &typeid(node) != &typeid(ZOStructClone)) return false;
         ZORegistryImpl const& tables = impl::Current();
-        return tables.HasRow(node.RegID()) && typeid(*tables.nodes[node.RegID()]) == typeid(ZOWrapperStruct);
+        if (!tables.HasRow(node.RegID())) return false;
+        IZO const& prototype = *tables.nodes[node.RegID()];
+        return &typeid(prototype) == &typeid(ZOWrapperStruct);
     }
     bool IsAlias(IZO& node) {
         ZORedirect const* const redirect = asRedirect(node);
@@ -229,16 +246,15 @@ H FollowRedirects(H node, std::string& name) {
 htl::status ZOTransaction::Commit(std::string const& sourceUnits, std::string const& targetUnits, ZOJournal* journal) {
     htl::handle<ZOSet> const target(Base()); // what is assigned may drop the last other handle
     Assignment const assignment(*this, sourceUnits, *target, targetUnits);
-    Entries const staged(*impl);
     Committer committer(*target, assignment, journal);
+    Entries const staged(*impl, [&](IZO& node) { return committer.HasNoValue(node) || committer.IsAlias(node); });
     if (journal)
-        for (Staged const& entry : staged) committer.CoverKeyed(entry.name, *entry.node);
+        for (Staged const& entry : staged) committer.CoverKeyed(entry.Name(), *staged.Node(entry));
 
     std::string name;
     for (Staged const& entry : staged) {
-        if (committer.HasNoValue(*entry.node) || committer.IsAlias(*entry.node)) continue;
-        name = entry.name;
-        committer.Add(name, entry.node);
+        name = entry.Name();
+        committer.Add(name, staged.Node(entry));
     }
     return committer.Finish();
 }
@@ -252,18 +268,18 @@ htl::status ZOTransaction::CommitAs(std::string const& from, std::string const& 
 
     htl::handle<ZOSet> const target(Base());
     Assignment const assignment(*this, sourceUnits, *target, targetUnits);
-    Entries const staged(*impl);
+    Entries const staged(*impl, [](IZO const&) { return false; });
     Committer committer(*target, assignment, journal);
     auto at = std::lower_bound(staged.begin(), staged.end(), std::string_view(origin),
-                               [](Staged const& entry, std::string_view name) { return entry.name < name; });
+                               [](Staged const& entry, std::string_view name) { return entry.Name() < name; });
     auto const last =
-        std::find_if(at, staged.end(), [&origin](Staged const& entry) { return !entry.name.starts_with(origin); });
-    auto const targetName = [&](Staged const& entry) { return to + std::string(entry.name.substr(origin.size())); };
+        std::find_if(at, staged.end(), [&origin](Staged const& entry) { return !entry.Name().starts_with(origin); });
+    auto const targetName = [&](Staged const& entry) { return to + std::string(entry.Name().substr(origin.size())); };
     if (journal)
         for (auto entry = at; entry != last; ++entry)
-            if (impl::IsWithin(entry->name, origin)) committer.CoverKeyed(targetName(*entry), *entry->node);
+            if (impl::IsWithin(entry->Name(), origin)) committer.CoverKeyed(targetName(*entry), *staged.Node(*entry));
     for (; at != last; ++at)
-        if (impl::IsWithin(at->name, origin)) committer.Add(targetName(*at), at->node);
+        if (impl::IsWithin(at->Name(), origin)) committer.Add(targetName(*at), staged.Node(*at));
     return committer.Finish();
 }
 
