@@ -57,6 +57,37 @@ void TakeTexts(H const& node, std::string const& name, std::vector<Entry>& texts
 
 bool IsChange(Entry const& entry) { return entry.before != entry.after || entry.existedBefore != entry.existsAfter; }
 
+/// Marks what lies behind an array's end on either side. `entries` are in the order of names, each array before its
+/// elements: an assignment to a new element finds it already there, with a default that it never had before.
+void MarkAbsent(std::vector<Entry>& entries) {
+    struct Array {
+        std::size_t entry;
+        std::size_t before = 0, after = 0;
+    };
+    std::vector<Array> around; // the innermost last
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        Entry& entry = entries[i];
+        while (!around.empty() && !impl::IsWithin(entry.name, entries[around.back().entry].name)) around.pop_back();
+        if (!around.empty()) {
+            Array const& array = around.back();
+            Entry const& outer = entries[array.entry];
+            std::string_view rest = std::string_view(entry.name).substr(outer.name.size());
+            std::size_t index = 0;
+            bool const isElement = rest.starts_with(IZO::chArrayOpen) &&
+                                   path::ParseIndex(rest.substr(1, rest.find(IZO::chArrayClose) - 1), index);
+            if (!outer.existedBefore || (isElement && index >= array.before)) entry.existedBefore = false;
+            if (!outer.existsAfter || (isElement && index >= array.after)) entry.existsAfter = false;
+        }
+        if (!entry.existedBefore) entry.before.clear();
+        if (!entry.existsAfter) entry.after.clear();
+        if (entry.kind == Entry::Value) continue;
+        Array array{i};
+        (void)path::ParseIndex(entry.before, array.before); // no number on the side where there is no array
+        (void)path::ParseIndex(entry.after, array.after);
+        around.push_back(array);
+    }
+}
+
 /// Writes one text. Success where there is nothing to write.
 htl::status Write(IZO& node, Entry::Kind kind, std::wstring const& text) {
     if (kind == Entry::Value) return node.Set(text);
@@ -294,6 +325,9 @@ void JournalWriter::Finish() {
         ++kept;
     }
     entries.resize(kept);
+    MarkAbsent(entries);
+    std::erase_if(entries, [this](Entry const& entry) { return !IsChange(entry) && !IsCovered_(entry.name); });
+    std::erase_if(entries, [](Entry const& entry) { return !entry.existedBefore && !entry.existsAfter; });
 }
 
 } // namespace zo
