@@ -1,7 +1,9 @@
 // Finds the mistakes of a plan, all of them, before anything is registered.
 #pragma once
 
+#include "Common/kit/Groups.h"
 #include "Common/kit/Plan.h"
+#include "Common/kit/RecordTable.h"
 #include "Common/redirect/Placeholders.h"
 #include "Common/registry/Find.h"
 #include "Common/registry/ZORegistry.h"
@@ -32,12 +34,6 @@ inline std::string_view ParentOf(std::string_view name) {
     return dot == name.npos ? std::string_view() : name.substr(0, dot);
 }
 
-/// The registered node of exactly this name, null without one.
-inline IZO* RegisteredNode(std::string const& name) {
-    IZO* const node = zo::GetTemplate(name);
-    return node && RegNormalizedName(node->RegID()) == name ? node : nullptr;
-}
-
 class Checker {
 public:
     explicit Checker(Plan& plan) : plan(plan) {}
@@ -54,6 +50,7 @@ public:
             for (Line const& line : record.lines) CheckElements_(line);
         for (BranchPlan const& branch : plan.branches)
             if (branch.object) CheckElements_(branch.line);
+        if (!endless) CheckGroups_();
     }
 
 private:
@@ -103,7 +100,7 @@ private:
             if (std::wstring_view const tag = SplitTag(line.tag).first; !tag.empty() && !tags.insert(tag).second)
                 Complain_(line, L"the tag " + Quoted_(tag) + L" is taken in " + Quoted_(record.name) + L".");
             // The description of a structure is its type's, wherever it is used.
-            if (line.shape.kind != Shape::Record && !slots.insert(line.shape.slot).second)
+            if (line.shape.slot && line.shape.kind != Shape::Record && !slots.insert(line.shape.slot).second)
                 Complain_(line, L"this part of " + Quoted_(record.name) + L" is declared already.");
             CheckShape_(line, line.shape);
             if (record.options.attributes && line.persist != Persist::Never) CheckAttribute_(record, line);
@@ -150,7 +147,21 @@ private:
             CheckShape_(line, *shape.second);
             return;
         }
+        case Shape::Alias: return CheckAlias_(line, *shape.alias);
         default: return CheckShape_(line, *shape.element);
+        }
+    }
+
+    void CheckAlias_(Line const& line, AliasRules const& alias) {
+        if (alias.kind != AliasRules::Set) {
+            if (alias.name.empty() && alias.tag.empty()) Complain_(line, L"an alias needs a source.");
+            return;
+        }
+        std::set<std::string_view> fields;
+        for (auto const& [field, source] : alias.pairs) {
+            CheckName_(line, field);
+            if (source.empty()) Complain_(line, L"the field " + Quoted_(field) + L" needs a source.");
+            if (!fields.insert(field).second) Complain_(line, L"the field " + Quoted_(field) + L" comes twice.");
         }
     }
 
@@ -159,7 +170,7 @@ private:
         std::set<std::pair<std::string_view, std::wstring_view>> tags; // with the parent's name
         std::set<std::string_view> groups;
         for (BranchPlan const& branch : plan.branches)
-            if (!branch.object) groups.insert(branch.line.name);
+            if (branch.IsGroup()) groups.insert(branch.line.name);
 
         for (BranchPlan const& branch : plan.branches) {
             Line const& line = branch.line;
@@ -167,7 +178,7 @@ private:
             CheckName_(line, parent.empty() ? std::string_view(line.name)
                                             : std::string_view(line.name).substr(parent.size() + 1));
             CheckTag_(line);
-            if (branch.object) CheckShape_(line, line.shape);
+            if (!branch.IsGroup()) CheckShape_(line, line.shape);
             if (line.name.empty()) continue;
 
             if (!names.insert(line.name).second || RegisteredNode(line.name)) Complain_(line, L"the name is taken.");
@@ -192,7 +203,8 @@ private:
     /// The type of a shape's records, null for values.
     static std::type_info const* RecordType_(Shape const& shape) {
         switch (shape.kind) {
-        case Shape::Value: return nullptr;
+        case Shape::Value:
+        case Shape::Alias: return nullptr;
         case Shape::Record: return shape.type;
         case Shape::Pair: return RecordType_(*shape.second);
         default: return RecordType_(*shape.element);
@@ -224,16 +236,65 @@ private:
             std::type_info const* const type = RecordType_(line.shape);
             RecordPlan const* const below = type ? plan.Find(*type) : nullptr;
             if (!below) continue;
-            if (states[below] == State::Open)
+            if (states[below] == State::Open) {
+                endless = true;
                 Complain_(line,
                           L"the type " + Quoted_(below->name) + L" contains itself: its parts would have no end.");
-            else
+            } else {
                 CheckCycle_(*below);
+            }
         }
         states[&record] = State::Done;
     }
 
+    void CheckGroups_() {
+        for (BranchPlan const& branch : plan.branches)
+            if (branch.line.shape.recordGroup && branch.line.shape.kind != Shape::Array &&
+                branch.line.shape.kind != Shape::Map)
+                Complain_(branch.line, L"only a container holds records: a structure has the group of its type.");
+
+        htl::handle<RecordTable> const earlier = TableOfRegistry();
+        RecordTable own;
+        std::set<std::pair<std::string, unsigned>> told; // a line may stand in many places
+        for (GroupPlace const& group : GroupWalk::Run(plan)) {
+            std::wstring const mistake = MistakeOf_(group, own, earlier.get());
+            own.Add(group);
+            if (!mistake.empty() &&
+                told.insert({group.place.file + str::as_cstring(group.line), group.place.line}).second)
+                plan.Complain(group.place, Quoted_(group.line) + L": " + mistake);
+        }
+        for (RecordPlan const& record : plan.records)
+            for (Line const& line : record.lines) {
+                GID const group = line.shape.linkGroup;
+                if (!line.shape.link || own.Has(group) || (earlier && earlier->Has(group))) continue;
+                Complain_(line, IsInnerGroup(group)
+                                    ? L"the records of group " + std::to_wstring(group) +
+                                          L" lie inside others, so no number alone leads to one."
+                                    : L"no records of group " + std::to_wstring(group) + L" are declared.");
+            }
+    }
+
+    /// What keeps the records of a place from being told by group and number; "" if nothing does.
+    static std::wstring MistakeOf_(GroupPlace const& group, RecordTable const& own, RecordTable const* earlier) {
+        std::wstring const subject = L"the group " + std::to_wstring(group.group);
+        std::string const below = group.Below();
+        if (!hzn::gid::IsPlainGroup(group.group) && !IsInnerGroup(group.group))
+            return subject + L" is none of 4 to 125, nor of 126 to 255 for records inside others.";
+        if (below.empty()) return L"each element would be record 1 of group " + std::to_wstring(group.group) + L".";
+        if (hzn::gid::IsPlainGroup(group.group)) {
+            if (group.name.find("[]") != std::string::npos)
+                return subject + L" lies in elements: inside other records it has to be one of 126 to 255.";
+        } else {
+            if (group.around == 0) return subject + L" lies in no other record: it has to be one of 4 to 125.";
+            if (group.deep) return subject + L" lies in a record that is inside another one itself.";
+            if (below.find("[]") != std::string::npos) return subject + L" lies in elements that are no records.";
+        }
+        if (own.Has(group) || (earlier && earlier->Has(group))) return subject + L" is taken by other records.";
+        return {};
+    }
+
     Plan& plan;
+    bool endless = false; // a type contains itself
     std::set<Slot const*> slots;
     std::set<RecordPlan const*> elements; // that were looked at
     std::unordered_map<RecordPlan const*, State> states;

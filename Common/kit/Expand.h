@@ -2,9 +2,14 @@
 #pragma once
 
 #include "Common/kit/Check.h"
+#include "Common/kit/Groups.h"
 #include "Common/kit/Plan.h"
+#include "Common/kit/RecordTable.h"
 #include "Common/redirect/Placeholders.h"
 #include "Common/redirect/Stores.h"
+#include "Common/redirect/ZOAlias.h"
+#include "Common/redirect/ZOAliasRegistrator.h"
+#include "Common/redirect/ZOAliasSet.h"
 #include "Common/registry/ZORegistry.h"
 
 #include <functional>
@@ -56,6 +61,11 @@ public:
     explicit Expansion(Plan const& plan) : plan(plan), registry(ZORegistry::Instance()) {}
 
     void Run() {
+        records = TableOfRegistry();
+        if (std::vector<GroupPlace> const places = GroupWalk::Run(plan); !places.empty()) {
+            records = MakeTableOfRegistry();
+            for (GroupPlace const& place : places) records->Add(place);
+        }
         for (RecordPlan const& record : plan.records) Describe_(record);
         for (BranchPlan const& branch : plan.branches)
             if (branch.object) Describe_(branch.line, branch.line.shape, Form::Single);
@@ -86,7 +96,8 @@ private:
     void Describe_(Line const& line, Shape const& shape, Form form) {
         switch (shape.kind) {
         case Shape::Value: shape.slot->Put(registry, shape.value->Make(plan.WordsOf(*shape.value), form)); return;
-        case Shape::Record: return; // with its own plan
+        case Shape::Record: // with its own plan
+        case Shape::Alias: return;
         case Shape::Array: {
             Form const below = !IsOneText(plan, shape) ? Form::Single
                                : shape.fixedLength     ? Form::Place
@@ -116,7 +127,7 @@ private:
     void DescribeArray_(Line const& line, Shape const& shape) {
         meta::MetaDataTraits const plain = shape.makeArray(shape.element->traits);
         auto record = std::make_shared<meta::MetaTraitsArray>(*plain.AsArray());
-        record->recordGroup = shape.recordGroup;
+        record->recordGroup = FunctionOfGroup(shape.recordGroup);
         auto const rule = [](std::function<bool(IZO const&)> const& asked) {
             return [asked](void const* node) { return !node || asked(*static_cast<IZO const*>(node)); };
         };
@@ -127,7 +138,8 @@ private:
 
     void Register_(BranchPlan const& branch) {
         Line const& line = branch.line;
-        if (!branch.object) {
+        if (line.shape.kind == Shape::Alias) return RegisterAlias_(line.name, line.tag, *line.shape.alias);
+        if (branch.IsGroup()) {
             htl::handle<IODS> const store(new ODSName(line.name));
             H const node(new ZOParentPlaceholder(IZO::npos, nullptr));
             registry->RegisterZO(store, node, {meta::MetaPersistTraits::Always, line.tag},
@@ -136,6 +148,27 @@ private:
         }
         htl::handle<IODS> const store(new FunctionStore(line.name, line.persist != Persist::Never, branch.object));
         Register_(store, line.tag, line.shape, 0, line.persist, Role::Child);
+    }
+
+    /// Its store is always there: whether the source is decides what is found.
+    void RegisterAlias_(std::string const& name, std::wstring const& tag, AliasRules const& alias) {
+        htl::handle<IODS> const store(new ODSName(name));
+        ZOAliasRegistrator(AliasNode_(tag, alias), store, {meta::MetaPersistTraits::No, tag});
+    }
+
+    static H AliasNode_(std::wstring const& tag, AliasRules const& alias) {
+        switch (alias.kind) {
+        case AliasRules::ByName: return H(new ZOAlias(alias.name, IZO::npos, nullptr));
+        case AliasRules::Kept: return H(new ZOAliasAbsolute(alias.name, IZO::npos, nullptr));
+        case AliasRules::ByTag: return H(new ZOAliasAbsoluteSlow(alias.tag, IZO::npos, nullptr));
+        case AliasRules::Relative: return H(new ZOAliasRelative(alias.tag, IZO::npos, nullptr));
+        case AliasRules::Set: return H(new ZOAliasSet(tag, alias.pairs, IZO::npos, nullptr));
+        }
+        return {};
+    }
+
+    H Prototype_(Shape const& shape, meta::MetaDataTraits const& traits, std::size_t offset) const {
+        return shape.link ? shape.link(traits, offset, records) : shape.prototype(traits, offset);
     }
 
     /// A row whose data lie in those of the row above: its own store says no more than whether documents hold it.
@@ -170,15 +203,19 @@ private:
         std::uint32_t const type = persist == Persist::Never          ? meta::MetaPersistTraits::No
                                    : persist == Persist::IfNotDefault ? meta::MetaPersistTraits::IfNotDefined
                                                                       : meta::MetaPersistTraits::Always;
-        registry->RegisterZO(store, shape.prototype(traits, offset), {type, tag, asValue, attributes}, traits);
+        registry->RegisterZO(store, Prototype_(shape, traits, offset), {type, tag, asValue, attributes}, traits);
 
         switch (shape.kind) {
-        case Shape::Value: return;
+        case Shape::Value:
+        case Shape::Alias: return;
         case Shape::Record:
             for (Line const& line : record->lines) {
                 Persist const below = persist == Persist::Never ? Persist::Never : line.persist;
-                RegisterPart_(name + "." + line.name, line.tag, line.shape, line.offset, below,
-                              attributes ? Role::Attribute : Role::Child);
+                if (line.shape.kind == Shape::Alias)
+                    RegisterAlias_(name + "." + line.name, line.tag, *line.shape.alias);
+                else
+                    RegisterPart_(name + "." + line.name, line.tag, line.shape, line.offset, below,
+                                  attributes ? Role::Attribute : Role::Child);
             }
             return;
         case Shape::Array:
@@ -198,6 +235,7 @@ private:
 
     Plan const& plan;
     ZORegistry* registry;
+    htl::handle<RecordTable> records; // empty if no records have groups
 };
 
 } // namespace zo::kit::impl

@@ -59,10 +59,24 @@ struct Options {
     /// Asked after the range. It is also asked about the default when the line is registered, with a null node.
     std::function<htl::status(T const& value, IZO const* node)> valid = {};
     DataParamType param = {};
-    /// The group of the records that this value refers to, 0 for none.
+    /// The group of the records that this value refers to, 0 for none. The value knows its group and leads nowhere: a
+    /// `Link` is a door to the record, too.
     std::uint32_t linkGroup = 0;
     std::function<bool(IZO const&node)> visible = {}, editable = {};
     Persist persist = Persist::Always;
+};
+
+/// Options of a link. There is no other default than no record.
+struct LinkOptions {
+    std::function<bool(IZO const&node)> visible = {}, editable = {};
+    Persist persist = Persist::Always;
+};
+
+/// Options of an alias by name.
+struct AliasOptions {
+    /// The source is looked up once and held until the registry is told that memory moved
+    /// (`ZORegistry::InvalidateMemory`, `Clear`, and each load). It keeps the array around it from being resized.
+    bool kept = false;
 };
 
 /// Options of an array of single values; the first ones are those of each element.
@@ -80,15 +94,16 @@ struct ValueArrayOptions {
     /// An element of the document for each value, instead of one text with commas. So it is in any case where the text
     /// of a value may be empty or hold a comma.
     bool elements = false;
-    /// The group of the records that the array holds, asked with the container.
-    std::uint32_t (*recordGroup)(void const* container) = nullptr;
+    /// The group of the records that the elements are, 0 for none. The first one is number 1. A group that stands by
+    /// itself is 4 to 125, one inside other records 126 to 255.
+    std::uint32_t recordGroup = 0;
 };
 
 /// Options of an array of records.
 struct RecordArrayOptions {
     std::function<bool(IZO const&node)> visible = {}, editable = {};
     Persist persist = Persist::Always;
-    std::uint32_t (*recordGroup)(void const* container) = nullptr;
+    std::uint32_t recordGroup = 0; ///< as for arrays of values
 };
 
 /// Options of an associative container of records or containers.
@@ -97,6 +112,7 @@ struct RecordMapOptions {
     std::wstring valueTag = L"Value";
     std::function<bool(IZO const&node)> visible = {}, editable = {};
     Persist persist = Persist::Always;
+    std::uint32_t recordGroup = 0; ///< of the elements by position, as for arrays: a key is no record's number
 };
 
 /// Options of an associative container of single values.
@@ -107,6 +123,7 @@ struct ValueMapOptions {
     Options<T> value = {};
     std::function<bool(IZO const&node)> visible = {}, editable = {};
     Persist persist = Persist::Always;
+    std::uint32_t recordGroup = 0; ///< as for maps of records
 };
 
 /// Options of a structure within a structure.
@@ -119,7 +136,8 @@ struct RecordOptions {
     /// The fields are attributes of the type's element, `<Point X="1" Y="2"/>`: single values and arrays in one text
     /// only.
     bool attributes = false;
-    /// The group of the records of this type, 0 for none.
+    /// The group of the one record that a structure of this type is, number 1; 0 for none. For a type that stands in
+    /// one place: the elements of an array get their group from the array.
     std::uint32_t recordGroup = 0;
     std::function<bool(IZO const&node)> visible = {}, editable = {};
 };
@@ -127,6 +145,7 @@ struct RecordOptions {
 /// Options of a top-level object.
 struct BranchOptions {
     Persist persist = Persist::Always; ///< `IfNotDefault` for a single value only
+    std::uint32_t recordGroup = 0;     ///< of the elements of a container, as for arrays
 };
 
 } // namespace zo::kit

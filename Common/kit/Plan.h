@@ -6,6 +6,8 @@
 #include "Common/kit/Prototype.h"
 #include "Common/kit/Slot.h"
 #include "Common/kit/Values.h"
+#include "Common/redirect/ZOAliasSet.h"
+#include "Common/redirect/ZOLink.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -46,6 +48,15 @@ struct [[nodiscard]] Report {
 
 namespace impl {
 
+/// Where an alias leads.
+struct AliasRules {
+    enum Kind { ByName, Kept, ByTag, Relative, Set };
+    Kind kind = ByName;
+    std::string name = {};        // by name and kept
+    std::wstring tag = {};        // by tag and relative
+    ZOAliasSet::Pairs pairs = {}; // of a set
+};
+
 /// How a C++ type is laid out in nodes.
 ///
 /// A tree: an array's element, a map's key and value, the array that a wrapping holds.
@@ -56,9 +67,12 @@ struct Shape {
         Array,
         Map,
         Pair, ///< an element of a map: "first" and "second"
-        Wrap  ///< a structure that holds nothing but an array, so that an empty array has a place in a document
+        Wrap, ///< a structure that holds nothing but an array, so that an empty array has a place in a document
+        Alias ///< no part of the object: it leads elsewhere
     };
     using Prototype = H (*)(meta::MetaDataTraits const& traits, std::size_t offset);
+    using LinkPrototype = H (*)(meta::MetaDataTraits const& traits, std::size_t offset,
+                                htl::handle<RecordNames const> const& names);
     using MakeArray = meta::MetaDataTraits (*)(TraitsFunction element);
 
     Kind kind = Value;
@@ -69,11 +83,14 @@ struct Shape {
     Prototype prototype = nullptr;
 
     std::shared_ptr<ValueRules const> value; // of a value
+    std::uint32_t linkGroup = 0;             // of a link: the value's prototype is made by `link`
+    LinkPrototype link = nullptr;
+    std::shared_ptr<AliasRules const> alias; // of an alias
 
     MakeArray makeArray = nullptr; // of arrays and maps
     bool fixedLength = false;
     bool asElements = false; // one text is not wanted
-    std::uint32_t (*recordGroup)(void const*) = nullptr;
+    std::uint32_t recordGroup = 0;
 
     std::shared_ptr<Shape> element; // of an array, a map and a wrapping
     std::shared_ptr<Shape> first, second;
@@ -112,7 +129,9 @@ struct EnumPlan {
 
 struct BranchPlan {
     Line line;
-    std::function<void*()> object; // empty for a group
+    std::function<void*()> object; // empty for a group and an alias
+
+    bool IsGroup() const noexcept { return !object && line.shape.kind != Shape::Alias; }
 };
 
 struct Plan {
@@ -229,6 +248,24 @@ Shape ValueShape(SlotRef const& slot, RulesPointer rules) {
     Shape shape = BareShape<T>(Shape::Value, slot);
     shape.prototype = &prototype::Value<T>;
     shape.value = std::move(rules);
+    return shape;
+}
+
+template <class T>
+Shape LinkShape(SlotRef const& slot, std::uint32_t group, RulesPointer rules) {
+    Shape shape = ValueShape<T>(slot, std::move(rules));
+    shape.linkGroup = group;
+    shape.link = [](meta::MetaDataTraits const& traits, std::size_t offset,
+                    htl::handle<RecordNames const> const& names) {
+        return H(new ZOWrapperLink<T>(IZO::npos, nullptr, traits, prototype::impl::AsMemory(offset), {}, names));
+    };
+    return shape;
+}
+
+inline Shape AliasShape(AliasRules rules) {
+    Shape shape;
+    shape.kind = Shape::Alias;
+    shape.alias = std::make_shared<AliasRules const>(std::move(rules));
     return shape;
 }
 

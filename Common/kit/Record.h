@@ -4,7 +4,9 @@
 #include "Common/kit/Plan.h"
 
 #include <concepts>
+#include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -98,6 +100,28 @@ Line FieldLine(std::string_view name, std::wstring_view tag, Options<M> const& o
     return MakeLine(name, tag, place, offset, ValueShape<M>(slot, std::move(rules)), options.persist);
 }
 
+/// The types of members that can hold a record's number.
+template <class M>
+concept LinkValue = std::same_as<M, int> || std::same_as<M, unsigned> || std::same_as<M, long> ||
+    std::same_as<M, unsigned long> || std::same_as<M, htl::Int64> || std::same_as<M, htl::UInt64>;
+
+/// Numbers that no record can have are refused.
+template <LinkValue M>
+Line LinkLine(std::string_view name, std::wstring_view tag, std::uint32_t group, LinkOptions const& options,
+              Place place, std::size_t offset, SlotRef slot) {
+    Options<M> rules{.missing = M{0}, .linkGroup = group, .visible = options.visible, .editable = options.editable};
+    if constexpr (std::signed_integral<M>) rules.min = M{0};
+    if constexpr (sizeof(M) > sizeof(GID)) rules.max = M{std::numeric_limits<GID>::max()};
+    return MakeLine(name, tag, place, offset, LinkShape<M>(slot, group, std::make_shared<ValueRulesOf<M>>(rules, M{0})),
+                    options.persist);
+}
+
+inline Line AliasLine(std::string_view name, std::wstring_view tag, Place place, AliasRules rules) {
+    Line line = MakeLine(name, tag, place, 0, AliasShape(std::move(rules)), Persist::Never);
+    line.computed = true;
+    return line;
+}
+
 template <class M>
 Line ArrayLine(std::string_view name, std::wstring_view tag, ArrayOptions<M> const& options, Place place,
                std::size_t offset, SlotRef const* slots) {
@@ -119,6 +143,7 @@ Line MapLine(std::string_view name, std::wstring_view tag, MapOptions<M> const& 
     Shape shape = MapShapeOf<M>(slots, rules);
     shape.element->keyTag = options.keyTag;
     shape.element->valueTag = options.valueTag;
+    shape.recordGroup = options.recordGroup;
     Line line = MakeLine(name, tag, place, offset, std::move(shape), options.persist);
     line.visible = options.visible;
     line.editable = options.editable;
@@ -246,6 +271,32 @@ public:
             name, tag, options, place, impl::SlotOf<impl::PropertyKey<S, Get, nullptr>>::Ref(),
             [](void const* object) { return static_cast<T>(std::invoke(Get, *static_cast<S const*>(object))); },
             nullptr));
+        return *this;
+    }
+
+    /// A whole-number member that holds the number of a record of a group, 0 for none:
+    /// `.Link<&Region::material>("Material", L"Material", materialGroup)`. It is a value like any other and the
+    /// record's door: `Regions[2].Material.Cohesion`, and `Regions[2].Material.@` is the record itself.
+    ///
+    /// The group is declared with the array or structure that holds its records, by any module of this or an earlier
+    /// registration, and stands by itself.
+    template <auto Member>
+    Record& Link(std::string_view name, std::wstring_view tag, std::uint32_t group, LinkOptions const& options = {},
+                 Place place = Place::Here()) {
+        using M = impl::MemberOf<S, Member>;
+        static_assert(impl::LinkValue<M>, "a link is a whole number of at least 32 bits");
+        constexpr M S::*member = Member;
+        plan->lines.push_back(impl::LinkLine<M>(name, tag, group, options, place, meta::OffsetOf(member),
+                                                impl::SlotOf<impl::MemberKey<S, Member>>::Ref()));
+        return *this;
+    }
+
+    /// Another name for a node that is found from here by a path of tags: `.Alias("Owner", L"Owner", L"@Parent.Name")`.
+    /// It stands under every object of the type and is never in documents. The source need not be there. It is looked
+    /// up once for each alias that is handed out.
+    Record& Alias(std::string_view name, std::wstring_view tag, std::wstring path, Place place = Place::Here()) {
+        plan->lines.push_back(
+            impl::AliasLine(name, tag, place, {.kind = impl::AliasRules::Relative, .tag = std::move(path)}));
         return *this;
     }
 

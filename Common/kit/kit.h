@@ -106,8 +106,28 @@ public:
         impl::SlotRef const* slots = impl::SlotsOf<T, impl::BranchKey<T>>();
         branch.line.shape = impl::ShapeOf<T>(slots, rules);
         branch.line.persist = options.persist;
+        branch.line.shape.recordGroup = options.recordGroup;
         branch.object = [object = std::move(object)]() mutable -> void* { return static_cast<T*>(object()); };
         plan.branches.push_back(std::move(branch));
+    }
+
+    /// Declares another name for a node: `kit.Alias("Cover", L"Cover", "Project.Soils[0]")`. `name` may lie below a
+    /// group. Never in documents. The source is found by its full name, and need not be there.
+    void Alias(std::string name, std::wstring tag, std::string source, AliasOptions options = {},
+               Place place = Place::Here()) {
+        Add_(std::move(name), std::move(tag), place,
+             {.kind = options.kept ? impl::AliasRules::Kept : impl::AliasRules::ByName, .name = std::move(source)});
+    }
+
+    /// The same with a source that is found by its full tag, "Project.Soils[1]", and kept. A name is found faster.
+    void AliasByTag(std::string name, std::wstring tag, std::wstring source, Place place = Place::Here()) {
+        Add_(std::move(name), std::move(tag), place, {.kind = impl::AliasRules::ByTag, .tag = std::move(source)});
+    }
+
+    /// Declares a structure whose fields stand elsewhere, each with its own name and the full name of its source:
+    /// `kit.AliasSet("Cover", L"Cover", {{"Cohesion", "Project.Soils[0].Cohesion"}})`. Never in documents.
+    void AliasSet(std::string name, std::wstring tag, ZOAliasSet::Pairs fields, Place place = Place::Here()) {
+        Add_(std::move(name), std::move(tag), place, {.kind = impl::AliasRules::Set, .pairs = std::move(fields)});
     }
 
     /// Declares a level that has no object of its own, for branches below it.
@@ -123,6 +143,10 @@ public:
 private:
     friend class Registration;
     Kit() = default;
+
+    void Add_(std::string name, std::wstring tag, Place place, impl::AliasRules rules) {
+        plan.branches.push_back({impl::AliasLine(name, tag, place, std::move(rules)), {}});
+    }
 
     impl::Plan plan;
 };
