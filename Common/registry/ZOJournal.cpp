@@ -305,7 +305,7 @@ void JournalWriter::Finish() {
             (void)node->Get(entry.after); // a node without a value has no text
         else if (node)
             entry.after = std::to_wstring(node->Length());
-        if (IsChange(entry)) journal.entries.push_back(std::move(entry));
+        journal.entries.push_back(std::move(entry)); // even unchanged: its first text is the one from before
     }
     for (Covered& whole : covered) Compare_(whole);
     std::vector<Entry>& entries = journal.entries;

@@ -341,6 +341,17 @@ TEST_F(JournalTest, AnArrayCutByItsLengthAndChangedGoesBackAndForth) {
     ExpectUndoAndRedo();
 }
 
+TEST_F(JournalTest, AnElementThatIsCutOffAndWrittenAgainKeepsItsFirstText) {
+    Stage("Regions[0].Points[2]", 3); // as it was
+    StageLength("Regions[0].Points", 1);
+    Stage("Regions[0].Points.Len", 5);
+    ExpectUndoAndRedo();
+    EXPECT_EQ(journal.Entries(),
+              (std::vector<Entry>{Length("Regions[0].Points", L"3", L"5"), Value("Regions[0].Points[1]", L"2", L"0")}));
+    ASSERT_TRUE(Succeeds(Undo()));
+    EXPECT_EQ(model.regions[0].points, (std::vector<int>{1, 2, 3}));
+}
+
 TEST_F(JournalTest, AppendedElementsGoBackAndForth) {
     H value(new zo::ZOAtomicData<int>(IZO::npos, nullptr, meta::AtomicTraits<int>(), 7));
     for (int i = 0; i < 9; ++i) ASSERT_TRUE(Succeeds(Staged("Regions[0].Points")->PushBack(value)));
