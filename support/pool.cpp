@@ -17,7 +17,12 @@ namespace {
 
 constexpr std::size_t grain = 16;
 constexpr std::size_t classes = 16; // blocks of up to 256 bytes
-constexpr unsigned kept = 1024;     // per class and thread, so that one large walk doesn't hold memory for ever
+// Per class and thread, so that neither one large walk nor one large transaction holds memory for ever.
+constexpr auto kept = [] {
+    std::array<unsigned, classes> blocks{};
+    for (unsigned i = 0; i < classes; ++i) blocks[i] = (1u << 20) / ((i + 1) * static_cast<unsigned>(grain));
+    return blocks;
+}();
 
 struct Block {
     Block* next;
@@ -61,7 +66,7 @@ void* Allocate(std::size_t size) {
 void Free(void* block, std::size_t size) noexcept {
     if (!block) return;
     std::size_t const index = (size - 1) / grain;
-    if (index >= classes || ended || lists[index].count >= kept) {
+    if (index >= classes || ended || lists[index].count >= kept[index]) {
         ::operator delete(block);
         return;
     }

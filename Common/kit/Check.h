@@ -89,7 +89,14 @@ private:
         if (hasElements && tag.size() != line.tag.size()) CheckTagPart_(line, element);
     }
 
+    void CheckGroup_(Place const& place, std::wstring const& name, GID group) {
+        if (group != 0 && !hzn::gid::IsPlainGroup(group) && !IsInnerGroup(group))
+            plan.Complain(place, Quoted_(name) + L": the group " + std::to_wstring(group) +
+                                     L" is none of 4 to 125, nor of 126 to 255 for records inside others.");
+    }
+
     void CheckRecord_(RecordPlan const& record) {
+        CheckGroup_(record.place, record.name, record.options.recordGroup);
         std::set<std::string_view> names;
         std::set<std::wstring_view> tags;
         for (Line const& line : record.lines) {
@@ -100,6 +107,7 @@ private:
             if (std::wstring_view const tag = SplitTag(line.tag).first; !tag.empty() && !tags.insert(tag).second)
                 Complain_(line, L"the tag " + Quoted_(tag) + L" is taken in " + Quoted_(record.name) + L".");
             // The description of a structure is its type's, wherever it is used.
+            CheckGroup_(line.place, str::as_wstring(line.name), line.shape.recordGroup);
             if (line.shape.slot && line.shape.kind != Shape::Record && !slots.insert(line.shape.slot).second)
                 Complain_(line, L"this part of " + Quoted_(record.name) + L" is declared already.");
             CheckShape_(line, line.shape);
@@ -179,6 +187,7 @@ private:
                                             : std::string_view(line.name).substr(parent.size() + 1));
             CheckTag_(line);
             if (!branch.IsGroup()) CheckShape_(line, line.shape);
+            CheckGroup_(line.place, str::as_wstring(line.name), line.shape.recordGroup);
             if (line.name.empty()) continue;
 
             if (!names.insert(line.name).second || RegisteredNode(line.name)) Complain_(line, L"the name is taken.");
@@ -278,18 +287,20 @@ private:
     static std::wstring MistakeOf_(GroupPlace const& group, RecordTable const& own, RecordTable const* earlier) {
         std::wstring const subject = L"the group " + std::to_wstring(group.group);
         std::string const below = group.Below();
-        if (!hzn::gid::IsPlainGroup(group.group) && !IsInnerGroup(group.group))
-            return subject + L" is none of 4 to 125, nor of 126 to 255 for records inside others.";
+        if (!hzn::gid::IsPlainGroup(group.group) && !IsInnerGroup(group.group)) return {}; // said with its line
         if (below.empty()) return L"each element would be record 1 of group " + std::to_wstring(group.group) + L".";
         if (hzn::gid::IsPlainGroup(group.group)) {
             if (group.name.find("[]") != std::string::npos)
                 return subject + L" lies in elements: inside other records it has to be one of 126 to 255.";
         } else {
             if (group.around == 0) return subject + L" lies in no other record: it has to be one of 4 to 125.";
-            if (group.deep) return subject + L" lies in a record that is inside another one itself.";
+            if (!hzn::gid::IsPlainGroup(group.around))
+                return subject + L" lies in a record that is inside another one itself.";
             if (below.find("[]") != std::string::npos) return subject + L" lies in elements that are no records.";
         }
-        if (own.Has(group) || (earlier && earlier->Has(group))) return subject + L" is taken by other records.";
+        std::string taken = own.Taken(group);
+        if (taken.empty() && earlier) taken = earlier->Taken(group);
+        if (!taken.empty()) return subject + L" is taken by " + Quoted_(taken) + L".";
         return {};
     }
 

@@ -43,7 +43,6 @@ struct GroupPlace {
     bool elements = false;  ///< the elements of a container; else one structure, number 1
     std::string name;       ///< of the container or the structure, in normal form
     GID around = 0;         ///< the group of the nearest record around it, 0 for none
-    bool deep = false;      ///< the record around it lies in a record itself
     std::string aroundName; ///< that record's name, in normal form
     Place place;            ///< of the declaration
     std::wstring line;      ///< its name, for people
@@ -69,7 +68,6 @@ private:
     /// The nearest record above.
     struct Around {
         GID group = 0;
-        bool deep = false;
         std::string name;
     };
 
@@ -77,7 +75,7 @@ private:
 
     void Add_(GID group, bool elements, std::string const& name, Around const& around, Place place,
               std::wstring const& line) {
-        places.push_back({group, elements, name, around.group, around.deep, around.name, place, line});
+        places.push_back({group, elements, name, around.group, around.name, place, line});
     }
 
     void Visit_(std::string const& name, Shape const& shape, Line const& line, Around const& above) {
@@ -90,7 +88,7 @@ private:
             if (!record) return;
             if (GID const group = record->options.recordGroup) {
                 Add_(group, false, name, above, record->place, record->name);
-                around = {group, above.group != 0, name};
+                around = {group, name};
             }
             for (Line const& part : record->lines) Visit_(name + "." + part.name, part.shape, part, around);
             return;
@@ -99,7 +97,7 @@ private:
         case Shape::Map:
             if (GID const group = shape.recordGroup) {
                 Add_(group, true, name, above, line.place, str::as_wstring(line.name));
-                around = {group, above.group != 0, name + ".[]"};
+                around = {group, name + ".[]"};
             }
             return Visit_(name + ".[]", *shape.element, line, around);
         case Shape::Pair: return Visit_(name + ".second", *shape.second, line, around);

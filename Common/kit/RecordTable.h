@@ -31,7 +31,11 @@ inline IZO* RegisteredNode(std::string const& name) {
 class RecordTable final : public RecordNames {
 public:
     void Add(GroupPlace const& place) { places.insert({KeyOf_(place), {place.Below(), place.elements}}); }
-    bool Has(GroupPlace const& place) const { return places.contains(KeyOf_(place)); }
+    /// Where other records stand that can't be told from those of a place; "" if there are none.
+    std::string Taken(GroupPlace const& place) const {
+        auto const found = places.find(KeyOf_(place));
+        return found == places.end() ? std::string() : found->second.name;
+    }
     /// Whether records of the group stand by themselves, so that a number alone tells one of them.
     bool Has(GID group) const { return places.contains({0, group}); }
 

@@ -53,8 +53,8 @@ enum TagType {
 
 /// Base of all nodes.
 ///
-/// Lifetime: counted by handles; a fresh object has count 0. The owner set is not counted: a node that outlives it has no
-/// owner. Threads: nodes have no lock, and a registry with its nodes belongs to one thread at a time.
+/// Lifetime: counted by handles; a fresh object has count 0. The owner set is not counted: a node that outlives it has
+/// no owner. Threads: nodes have no lock, and a registry with its nodes belongs to one thread at a time.
 class ZO_API IZO : public htl::handle_ref_counter {
 public:
     static constexpr char chSeparator = '.';                          ///< between name components
@@ -229,8 +229,8 @@ struct ZO_API NodeAccess {
     static bool IsEntered(IZO const& node) noexcept { return node.entered; }
     static void SetRegID(IZO& node, std::size_t regID) noexcept { node.regID = regID; }
 
-    /// How many nodes are alive in the process, for tests that nothing is left over. Only libraries that were built with
-    /// assertions count; others give 0.
+    /// How many nodes are alive in the process, for tests that nothing is left over. Only libraries that were built
+    /// with assertions count; others give 0.
     static std::size_t LiveNodes() noexcept;
 };
 

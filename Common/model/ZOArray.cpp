@@ -4,6 +4,8 @@
 #include "Common/model/ArrayText.h"
 #include "Common/model/NodeTables.h"
 
+#include "support/pool.h"
+
 #include <string_view>
 
 namespace zo {
@@ -81,6 +83,9 @@ meta::MetaDataTraits ZOArrayClone::GetDataTraits() const {
 IZO* ZOArrayClone::Clone() { return new ZOArrayClone(RegID(), Owner(), fixedLen, length); }
 
 IZO* ZOArrayClone::EmptyClone() { return new ZOArrayClone(RegID(), Owner(), fixedLen, fixedLen ? length : 0); }
+
+void* ZOArrayClone::operator new(std::size_t size) { return htl::pool::Allocate(size); }
+void ZOArrayClone::operator delete(void* block, std::size_t size) { htl::pool::Free(block, size); }
 
 htl::status ZOArrayClone::Resize(std::size_t const& wanted) {
     if (fixedLen) return ZOError::not_supported("");

@@ -62,6 +62,9 @@ public:
     IZO* Clone() override;
     IZO* EmptyClone() override;
 
+    static void* operator new(std::size_t size);
+    static void operator delete(void* block, std::size_t size);
+
 protected:
     /// A fixed array fails with `not_supported("")`.
     htl::status Resize(std::size_t const& length) override;

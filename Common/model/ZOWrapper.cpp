@@ -80,4 +80,7 @@ IZO* ZOStructClone::Clone() { return new ZOStructClone(RegID(), Owner()); }
 
 IZO* ZOStructClone::EmptyClone() { return new ZOStructClone(RegID(), Owner()); }
 
+void* ZOStructClone::operator new(std::size_t size) { return htl::pool::Allocate(size); }
+void ZOStructClone::operator delete(void* block, std::size_t size) { htl::pool::Free(block, size); }
+
 } // namespace zo

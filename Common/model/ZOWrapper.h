@@ -89,6 +89,9 @@ public:
     ZOStructClone(std::size_t regID, ZOSet* owner);
     IZO* Clone() override;
     IZO* EmptyClone() override;
+
+    static void* operator new(std::size_t size);
+    static void operator delete(void* block, std::size_t size);
 };
 
 /// Reads and writes a value in client memory with the functions of its descriptor.

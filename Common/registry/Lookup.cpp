@@ -76,7 +76,7 @@ public:
     /// The place reached: a node that has an entry brings that entry's name, whatever was read.
     void Extend(IZO const& node, std::string_view component) {
         if (node.OwnerID() != IZO::npos)
-            entry->name = node.Name();
+            entry->name = impl::EntryName(node);
         else
             path::ExtendCanonical(entry->name, component);
     }
@@ -153,10 +153,10 @@ H ZORegistry::Find(H const& node, std::string const& name) {
     }
     ZOSetImpl& own = *Impl();
     if (!own.trackTemporaries) return result;
-    if (!result) return Visible(own, path::Join(node->Name(), name));
+    if (!result) return Visible(own, path::Join(impl::EntryName(*node), name));
     if (result->OwnerID() == IZO::npos) {
         SpareEntry canonical(own);
-        canonical.Name() = node->Name();
+        canonical.Name() = impl::EntryName(*node);
         path::ExtendCanonical(canonical.Name(), name);
         canonical.EnterHidden(this, result.get());
     }
@@ -174,7 +174,7 @@ H ZORegistry::Find(ZOArray* array, std::size_t index) {
     ZOSetImpl& own = *Impl();
     if (own.trackTemporaries && result->OwnerID() == IZO::npos) {
         SpareEntry canonical(own);
-        canonical.Name() = array->Name();
+        canonical.Name() = impl::EntryName(*array);
         canonical.Name() += IZO::chArrayOpen;
         canonical.Name() += std::to_string(index);
         canonical.Name() += IZO::chArrayClose;

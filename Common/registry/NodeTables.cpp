@@ -118,21 +118,16 @@ meta::MetaPersistTraits IZO::GetPersistTraits() const {
     return tables.HasRow(regID) ? tables.persistTraits[regID] : none;
 }
 
-std::string IZO::Name() const {
-    ZOSet const* const owner = Owner();
-    if (!owner || ownerID == npos) return {};
-    std::vector<SetEntry*> const& order = owner->Impl()->entryOrder;
-    return ownerID < order.size() && order[ownerID] ? order[ownerID]->name : std::string();
-}
+std::string IZO::Name() const { return std::string(impl::EntryName(*this)); }
 
 std::string IZO::SubName() const {
     ZORegistryImpl const& tables = Current();
     if (tables.HasRow(regID) && tables.subNames[regID] != "[]" && !tables.subNames[regID].empty())
         return tables.subNames[regID];
-    return std::string(path::LastPart(std::string_view(Name())));
+    return std::string(path::LastPart(impl::EntryName(*this)));
 }
 
-std::string IZO::ParentName() const { return std::string(path::ParentPart(std::string_view(Name()))); }
+std::string IZO::ParentName() const { return std::string(path::ParentPart(impl::EntryName(*this))); }
 
 int IZO::CompareName(IZO const& other) const {
     ZOSet const* const owner = Owner();

@@ -3,13 +3,18 @@
 #include "Common/ZOUtil/NamePath.h"
 #include "Common/registry/ZOSet.h"
 
-#include <cassert>
+#include "support/pool.h"
+
+#include <algorithm>
 #include <utility>
 
 namespace zo {
 
 using impl::NodeAccess;
 using Count = htl::handle_mgmt_refcounted;
+
+void* SetEntry::operator new(std::size_t size) { return htl::pool::Allocate(size); }
+void SetEntry::operator delete(void* block, std::size_t size) { htl::pool::Free(block, size); }
 
 EntryTable::EntryTable() : buckets(8, nullptr) {}
 
@@ -23,20 +28,23 @@ EntryTable::~EntryTable() {
 SetEntry* EntryTable::Acquire() {
     if (!spare) return new SetEntry;
     SetEntry* const entry = std::exchange(spare, spare->next);
+    --spareCount;
     entry->name.clear();
     return entry;
 }
 
 void EntryTable::Recycle(SetEntry* entry) noexcept {
-    // One very long name must not hold its memory for ever.
+    // Neither one very long name nor many entries may hold their memory for ever.
     constexpr std::size_t longest = 1024;
-    if (entry->name.capacity() > longest) {
+    constexpr std::size_t most = 64;
+    if (entry->name.capacity() > longest || spareCount == most) {
         delete entry;
         return;
     }
     entry->node = nullptr;
     entry->next = spare;
     spare = entry;
+    ++spareCount;
 }
 
 void EntryTable::Hook_(SetEntry* entry, SetEntry** place) noexcept {
@@ -47,22 +55,34 @@ void EntryTable::Hook_(SetEntry* entry, SetEntry** place) noexcept {
 }
 
 void EntryTable::Insert(SetEntry* entry) {
-    if (entry->visible) return Insert(entry, path::Hash(entry->name));
     ++size;
     entry->hashed = false;
-    Hook_(entry, &waiting);
-}
-
-void EntryTable::Insert(SetEntry* entry, std::uint64_t hash) {
-    ++size;
+    if (!entry->visible) return Hook_(entry, &waiting);
     ++visible;
     if (entry->name.size() > longestVisible) longestVisible = entry->name.size();
-    InsertHashed_(entry, hash);
+    InsertHashed_(entry);
 }
 
-void EntryTable::InsertHashed_(SetEntry* entry, std::uint64_t hash) {
-    if (hashed >= buckets.size()) Grow_();
+void EntryTable::InsertNew(SetEntry* entry, std::uint64_t hash) {
+    if (2 * hashed >= buckets.size()) Grow_();
+    ++size;
+    ++visible;
+    ++hashed;
+    if (entry->name.size() > longestVisible) longestVisible = entry->name.size();
     entry->hash = hash;
+    entry->hashed = true;
+    Hook_(entry, &buckets[hash & (buckets.size() - 1)]);
+}
+
+void EntryTable::Forget() noexcept {
+    std::fill(buckets.begin(), buckets.end(), nullptr);
+    size = hashed = visible = 0;
+    waiting = nullptr;
+}
+
+void EntryTable::InsertHashed_(SetEntry* entry) {
+    if (2 * hashed >= buckets.size()) Grow_();
+    entry->hash = path::Hash(entry->name);
     SetEntry** const head = &buckets[entry->hash & (buckets.size() - 1)];
     SetEntry** place = head;
     for (SetEntry** at = head; *at; at = &(*at)->next) {
@@ -88,7 +108,7 @@ SetEntry* EntryTable::First(std::string_view name) {
         SetEntry* const entry = waiting;
         waiting = entry->next;
         if (waiting) waiting->back = &waiting;
-        InsertHashed_(entry, path::Hash(entry->name));
+        InsertHashed_(entry);
     }
     return hashed == 0 ? nullptr : Search_(name, path::Hash(name));
 }
@@ -120,6 +140,14 @@ void EntryTable::Grow_() {
         for (auto at = chain.rbegin(); at != chain.rend(); ++at)
             Hook_(*at, &buckets[(*at)->hash & (buckets.size() - 1)]);
     }
+}
+
+std::string_view impl::EntryName(IZO const& node) noexcept {
+    ZOSet const* const owner = node.Owner();
+    if (!owner || node.OwnerID() == IZO::npos) return {};
+    std::vector<SetEntry*> const& order = owner->Impl()->entryOrder;
+    SetEntry const* const entry = node.OwnerID() < order.size() ? order[node.OwnerID()] : nullptr;
+    return entry ? std::string_view(entry->name) : std::string_view();
 }
 
 ZOSetImpl::ZOSetImpl() = default;
@@ -157,7 +185,7 @@ void ZOSetImpl::Keep(ZOSet* set, std::string_view name, std::uint64_t hash, IZO*
     entry->name = name;
     LeavePlace(*node);
     Place_(set, entry, node, true, true);
-    entries.Insert(entry, hash);
+    entries.InsertNew(entry, hash);
 }
 
 void ZOSetImpl::Enter(ZOSet* set, std::string_view name, IZO* node, bool visible, bool counted) {
@@ -193,9 +221,9 @@ void ZOSetImpl::ReleaseAll() noexcept {
         if (entry && NodeAccess::IsEntered(*entry->node) && entry->node->OwnerID() == entry->position &&
             entry->node->Owner()->Impl() == this)
             NodeAccess::SetOwner(*entry->node, nullptr, IZO::npos);
+    entries.Forget();
     for (SetEntry* entry : all) {
         if (!entry) continue;
-        entries.Remove(entry);
         IZO* const node = entry->node;
         bool const counted = entry->counted;
         entries.Recycle(entry);

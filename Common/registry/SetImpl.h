@@ -25,6 +25,9 @@ struct SetEntry {
     bool visible = false;
     bool counted = false;
     bool hashed = false; // stands in a bucket
+
+    static void* operator new(std::size_t size);
+    static void operator delete(void* block, std::size_t size);
 };
 
 /// Entries by name: a hash multimap in which the first visible entry of equal names comes before later visible ones.
@@ -47,8 +50,8 @@ public:
     /// A visible entry goes behind every entry of the same name, a hidden one just behind the first: many handles to
     /// one node must not make each lookup search them all.
     void Insert(SetEntry* entry);
-    /// A visible entry whose name has this hash.
-    void Insert(SetEntry* entry, std::uint64_t hash);
+    /// A visible entry of a name that no other entry has, with its hash.
+    void InsertNew(SetEntry* entry, std::uint64_t hash);
     /// Unhooks; the entry stays the caller's.
     void Remove(SetEntry* entry) noexcept;
     /// The first entry under the name, or null.
@@ -58,12 +61,14 @@ public:
     SetEntry* FirstVisible(std::string_view name, std::uint64_t hash) const noexcept;
     /// No visible entry has had a longer name.
     std::size_t LongestVisible() const noexcept { return longestVisible; }
+    /// Forgets all entries, which become the caller's, at once.
+    void Forget() noexcept;
     std::size_t Size() const noexcept { return size; }
     bool HasHidden() const noexcept { return size != visible; }
 
 private:
     void Grow_();
-    void InsertHashed_(SetEntry* entry, std::uint64_t hash);
+    void InsertHashed_(SetEntry* entry);
     SetEntry* Search_(std::string_view name, std::uint64_t hash) const noexcept;
     static void Hook_(SetEntry* entry, SetEntry** place) noexcept;
 
@@ -74,6 +79,7 @@ private:
     std::size_t longestVisible = 0;
     SetEntry* waiting = nullptr;
     SetEntry* spare = nullptr;
+    std::size_t spareCount = 0;
 };
 
 struct ZO_API ZOSetImpl {
@@ -95,7 +101,7 @@ struct ZO_API ZOSetImpl {
     /// node has elsewhere without being counted there ends first.
     void Enter(ZOSet* set, SetEntry* entry, IZO* node, bool visible, bool counted);
     void Enter(ZOSet* set, std::string_view name, IZO* node, bool visible, bool counted);
-    /// A visible, counted place under a name with this hash.
+    /// A visible, counted place under a name that no entry has, with its hash.
     void Keep(ZOSet* set, std::string_view name, std::uint64_t hash, IZO* node);
     /// Ends the place that `node` has in its owner, unless it is counted there. The node keeps its identity fields.
     static void LeavePlace(IZO const& node) noexcept;
@@ -108,6 +114,13 @@ private:
     // The entry's place in the order, and what the node knows of it.
     void Place_(ZOSet* set, SetEntry* entry, IZO* node, bool visible, bool counted);
 };
+
+namespace impl {
+
+/// The name of a node's entry, empty without owner or entry. Valid as long as the entry.
+std::string_view EntryName(IZO const& node) noexcept;
+
+} // namespace impl
 
 /// Suspends a set's tracking for as long as it lives.
 class TrackingSuspension {

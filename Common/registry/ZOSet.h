@@ -17,8 +17,8 @@ struct ZOSetImpl;
 
 /// Nodes under names, found by name or tag.
 ///
-/// Lifetime: counted, so it lives on the heap behind a handle. Nodes name their set as owner without counting it; when a
-/// set ends they have no owner any more. Threads: none of it is locked.
+/// Lifetime: counted, so it lives on the heap behind a handle. Nodes name their set as owner without counting it; when
+/// a set ends they have no owner any more. Threads: none of it is locked.
 class ZO_API ZOSet : public htl::handle_ref_counter {
 public:
     ZOSet(ZOSet const&) = delete;

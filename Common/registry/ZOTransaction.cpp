@@ -15,17 +15,10 @@
 
 namespace zo {
 
+using impl::EntryName;
 using impl::NodeAccess;
 
 namespace {
-
-/// The name of a node's entry, without a copy; empty where it has none.
-std::string_view NameOf(IZO const& node) {
-    if (!node.Owner() || node.OwnerID() == IZO::npos) return {};
-    std::vector<SetEntry*> const& order = node.Owner()->Impl()->entryOrder;
-    return node.OwnerID() < order.size() && order[node.OwnerID()] ? std::string_view(order[node.OwnerID()]->name)
-                                                                  : std::string_view();
-}
 
 /// The component that leads from `parent` to `name`, if it is written as names of nodes are: behind a "." or in
 /// brackets. Empty for any other spelling.
@@ -78,6 +71,31 @@ private:
     std::array<Prefix, 12> known;
 };
 
+/// The lengths of a name's prefixes, the last one in first out. Few of them take no memory.
+class Lengths {
+public:
+    void Push(std::size_t length) {
+        if (count < few.size())
+            few[count] = length;
+        else
+            more.push_back(length);
+        ++count;
+    }
+    /// 0 when there is none left.
+    std::size_t Pop() noexcept {
+        if (count == 0) return 0;
+        if (--count < few.size()) return few[count];
+        std::size_t const length = more.back();
+        more.pop_back();
+        return length;
+    }
+
+private:
+    std::array<std::size_t, 16> few;
+    std::vector<std::size_t> more;
+    std::size_t count = 0;
+};
+
 /// No set that `set` reads through has had a visible entry with a longer name.
 std::size_t LongestVisible(ZOSet const* set) {
     std::size_t longest = 0;
@@ -114,7 +132,8 @@ H ZOTransaction::Find(std::string const& name) {
     if (SetEntry const* const entry = impl->entries.FirstVisible(name, hashes.Whole())) return H(entry->node);
 
     // Up to the first name that is staged, then down again, so that names of any depth need no stack.
-    std::vector<std::size_t> lengths{name.size()}; // the longest first
+    Lengths lengths; // the longest first
+    lengths.Push(name.size());
     Step step;
     std::string_view top = path::ParentPart(std::string_view(name));
     for (; !top.empty(); top = path::ParentPart(top)) {
@@ -123,15 +142,15 @@ H ZOTransaction::Find(std::string const& name) {
                 step.parent = H(entry->node);
                 break;
             }
-        lengths.push_back(top.size());
+        lengths.Push(top.size());
     }
 
     H node;
-    for (; !lengths.empty(); lengths.pop_back()) {
+    while (std::size_t const length = lengths.Pop()) {
         // Behind a name that leads nowhere, only what was inserted by hand can be found.
-        if (step.sourceEnded && lengths.back() > LongestVisible(Source())) return {};
-        step.name.assign(name, 0, lengths.back());
-        step.hash = lengths.back() == name.size() ? hashes.Whole() : hashes.OfPrefix(lengths.back());
+        if (step.sourceEnded && length > LongestVisible(Source())) return {};
+        step.name.assign(name, 0, length);
+        step.hash = length == name.size() ? hashes.Whole() : hashes.OfPrefix(length);
         node = Stage_(step);
         step.parent = node;
     }
@@ -144,12 +163,12 @@ H ZOTransaction::Stage_(Step& step) {
     std::string resolved;
     bool isHere = false; // under the name that was asked for
 
-    std::string_view const component = step.live ? PlainComponent(NameOf(*step.live), name) : std::string_view();
+    std::string_view const component = step.live ? PlainComponent(EntryName(*step.live), name) : std::string_view();
     H live = component.empty() ? Source()->Find(name) : Source()->Find(step.live, std::string(component));
     step.live.release();
     step.sourceEnded = !live;
     if (live) {
-        isHere = NameOf(*live) == name;
+        isHere = EntryName(*live) == name;
         if (isHere) {
             found = H(live->Clone());
             if (Source()->Impl()->IsRegistryImpl()) step.live = std::move(live);
@@ -187,7 +206,7 @@ H ZOTransaction::Stage_(Step& step) {
 
 H ZOTransaction::Find(H const& node, std::string const& name) {
     if (!node) return {};
-    std::string_view const parent = node->RegID() == 0 ? std::string_view() : NameOf(*node);
+    std::string_view const parent = node->RegID() == 0 ? std::string_view() : EntryName(*node);
     return Find(parent.empty() ? name : path::Join(parent, name));
 }
 
