@@ -114,6 +114,11 @@ private:
 htl::status Restore(std::vector<Entry> const& entries, ZOSet& set, bool back) {
     Unchecked const unchecked(*set.Impl());
     std::vector<Entry const*> waiting;
+    std::vector<std::string_view> closed; // could not be emptied: keys would meet those that are there
+    auto const isClosed = [&closed](std::string const& name) {
+        return std::any_of(closed.begin(), closed.end(),
+                           [&name](std::string_view whole) { return impl::IsWithin(name, whole); });
+    };
     for (Entry const& entry : entries)
         if (back ? entry.existedBefore : entry.existsAfter) waiting.push_back(&entry);
 
@@ -122,12 +127,14 @@ htl::status Restore(std::vector<Entry> const& entries, ZOSet& set, bool back) {
     while (!waiting.empty()) {
         std::vector<Entry const*> missing;
         for (Entry const* const entry : waiting) {
+            if (isClosed(entry->name)) continue;
             H const node = set.Find(entry->name);
             if (!node) {
                 missing.push_back(entry);
                 continue;
             }
             htl::status failure = Write(*node, entry->kind, back ? entry->before : entry->after);
+            if (failure.IsError() && entry->kind == Entry::Keyed) closed.push_back(entry->name);
             if (failure.IsError() && !first.IsError() && !failure.Is(21661)) first = std::move(failure);
         }
         if (missing.size() == waiting.size()) {
