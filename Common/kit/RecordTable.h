@@ -30,7 +30,10 @@ inline IZO* RegisteredNode(std::string const& name) {
 /// Lifetime: held by the registry's row of identifiers and by each view of a link, so by the last of them.
 class RecordTable final : public RecordNames {
 public:
-    void Add(GroupPlace const& place) { places.insert({KeyOf_(place), {place.Below(), place.elements}}); }
+    void Add(GroupPlace const& place) {
+        bool const byItself = hzn::gid::IsPlainGroup(place.group);
+        places.insert({KeyOf_(place), {byItself ? place.name : place.Below(), place.elements}});
+    }
     /// Where other records stand that can't be told from those of a place; "" if there are none.
     std::string Taken(GroupPlace const& place) const {
         auto const found = places.find(KeyOf_(place));
@@ -54,9 +57,9 @@ public:
     }
 
 private:
-    using Key = std::pair<GID, GID>; // the group of the record around it, its own group
+    using Key = std::pair<GID, GID>; // the group of the record around an inner group, else 0; its own group
     struct Entry {
-        std::string name; // below the record around it
+        std::string name; // of an inner group, below the record around it
         bool elements;
     };
 

@@ -193,6 +193,7 @@ TEST_F(OtherIdentityTest, AStructureAndTheRecordsOfAStructureLieInsideIt) {
     };
     struct Works {
         Shaft shaft{{}, {{1, 2}, {5, 6}}};
+        std::vector<Point> piles{{7, 8}};
         std::vector<Shaft> others{{{4}, {{3, 4}}}};
     };
     static Works works;
@@ -202,13 +203,17 @@ TEST_F(OtherIdentityTest, AStructureAndTheRecordsOfAStructureLieInsideIt) {
                   kit.Record<Shaft>("Shaft")
                       .Struct<&Shaft::head>("Head", L"Head")
                       .Array<&Shaft::pins>("Pins", L"Pins[Pin]", {.recordGroup = 202});
-                  kit.Record<Works>("Works", {.recordGroup = 60}).Struct<&Works::shaft>("Shaft", L"Shaft");
+                  kit.Record<Works>("Works", {.recordGroup = 60})
+                      .Array<&Works::piles>("Piles", L"Piles[Pile]", {.recordGroup = 62})
+                      .Struct<&Works::shaft>("Shaft", L"Shaft");
                   kit.Branch<Works>("Works", L"Works", [] { return &works; });
                   kit.Branch<std::vector<Shaft>>("Shafts", L"Shafts[Shaft]", [] { return &works.others; },
                                                  {.recordGroup = 61});
               }});
     for (std::string const name : {"Works.Shaft.Head", "Works.Shaft.Pins[1]", "Shafts[0].Head", "Shafts[0].Pins[0]"})
         EXPECT_EQ(NameOf(zo::GetSource(RecordOf(name, Link::Packed))), name);
+    EXPECT_EQ(RecordOf("Works.Piles[0]", Link::Packed), (GGID{62, 1})) << "a group that stands by itself";
+    EXPECT_EQ(NameOf(zo::GetSource(GGID{62, 1})), "Works.Piles[0]");
     EXPECT_EQ(RecordOf("Works.Shaft.Head.Level", Link::Packed), (GGID{PackedContainerGID({60, 1}, 201), 1}));
 }
 

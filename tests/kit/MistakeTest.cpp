@@ -307,6 +307,187 @@ TEST_F(MistakeTest, ElementsThatComeWithFilledContainers) {
                     L"lost."}));
 }
 
+struct Layer {
+    double thickness = 0;
+    int soil = 0;
+    unsigned below = 0;
+};
+struct Boring {
+    std::vector<Layer> layers;
+    std::vector<Layer> samples;
+};
+struct Field {
+    Boring boring;
+    std::vector<Boring> borings;
+    std::vector<Boring> pits;
+    std::vector<std::vector<Layer>> rows;
+};
+Field field;
+
+void LayerModule(Kit& kit) { kit.Record<Layer>("Layer").Field<&Layer::thickness>("Thickness", L"Thickness"); }
+
+TEST_F(MistakeTest, NumbersThatAreNoGroup) {
+    Report const report = Run([](Kit& kit) {
+        LayerModule(kit);
+        kit.Record<Boring>("Boring", {.recordGroup = 3})
+            .Array<&Boring::layers>("Layers", L"Layers", {.recordGroup = 256})
+            .Array<&Boring::samples>("Samples", L"Samples", {.recordGroup = 0xFFFFFFFF});
+        kit.Branch<std::vector<Layer>>("Layers", L"Layers", [] { return &field.boring.layers; }, {.recordGroup = 1});
+    });
+    EXPECT_EQ(
+        Texts(report),
+        (List{L"{Boring}: the group 3 is none of 4 to 125, nor of 126 to 255 for records inside others.",
+              L"{Layers}: the group 256 is none of 4 to 125, nor of 126 to 255 for records inside others.",
+              L"{Samples}: the group 4294967295 is none of 4 to 125, nor of 126 to 255 for records inside others.",
+              L"{Layers}: the group 1 is none of 4 to 125, nor of 126 to 255 for records inside others."}));
+}
+
+TEST_F(MistakeTest, GroupThatStandsInTwoPlaces) {
+    unsigned line = 0;
+    Report const report = Run([&line](Kit& kit) {
+        LayerModule(kit);
+        kit.Branch<std::vector<Layer>>("Left", L"Left", [] { return &field.boring.layers; }, {.recordGroup = 4});
+        line = __LINE__ + 1;
+        kit.Branch<std::vector<Layer>>("Right", L"Right", [] { return &field.boring.samples; }, {.recordGroup = 4});
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Right}: the group 4 is taken by {Left}."}));
+    EXPECT_EQ(report.mistakes.at(0).line, line);
+}
+
+TEST_F(MistakeTest, TypeWithAGroupInTwoPlaces) {
+    Report const report = Run([](Kit& kit) {
+        LayerModule(kit);
+        kit.Record<Boring>("Boring", {.recordGroup = 8})
+            .Array<&Boring::layers>("Layers", L"Layers", {.recordGroup = 9});
+        kit.Branch<Boring>("Left", L"Left", [] { return &field.boring; });
+        kit.Branch<Boring>("Right", L"Right", [] { return &field.boring; });
+        kit.Branch<Boring>("Middle", L"Middle", [] { return &field.boring; });
+    });
+    EXPECT_EQ(Texts(report),
+              (List{L"{Boring}: the group 8 is taken by {Left}.", L"{Layers}: the group 9 is taken by {Left.Layers}."}))
+        << "each once";
+}
+
+TEST_F(MistakeTest, GroupsInsideOtherRecords) {
+    Report const report = Run([](Kit& kit) {
+        LayerModule(kit);
+        kit.Record<Boring>("Boring")
+            .Array<&Boring::layers>("Layers", L"Layers", {.recordGroup = 130})
+            .Array<&Boring::samples>("Samples", L"Samples", {.recordGroup = 130});
+        kit.Record<Field>("Field")
+            .Array<&Field::borings>("Borings", L"Borings", {.recordGroup = 20})
+            .Array<&Field::pits>("Pits", L"Pits");
+        kit.Branch<Field>("Field", L"Field", [] { return &field; });
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Samples}: the group 130 is taken by {Layers}.",
+                                   L"{Layers}: the group 130 lies in no other record: it has to be one of 4 to 125."}));
+}
+
+TEST_F(MistakeTest, GroupsThatStandByThemselvesInsideElements) {
+    Report const report = Run([](Kit& kit) {
+        LayerModule(kit);
+        kit.Record<Boring>("Boring").Array<&Boring::layers>("Layers", L"Layers", {.recordGroup = 30});
+        kit.Record<Field>("Field").Array<&Field::borings>("Borings", L"Borings", {.recordGroup = 20});
+        kit.Branch<Field>("Field", L"Field", [] { return &field; });
+    });
+    EXPECT_EQ(Texts(report),
+              (List{L"{Layers}: the group 30 lies in elements: inside other records it has to be one of 126 to 255."}));
+}
+
+TEST_F(MistakeTest, TypeOfElementsWithAGroup) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Layer>("Layer", {.recordGroup = 130}).Field<&Layer::thickness>("Thickness", L"Thickness");
+        kit.Branch<std::vector<Layer>>("Layers", L"Layers", [] { return &field.boring.layers; }, {.recordGroup = 10});
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Layer}: each element would be record 1 of group 130."}));
+}
+
+TEST_F(MistakeTest, GroupsTwoRecordsDeepOrBehindElementsWithoutGroup) {
+    Report const report = Run([](Kit& kit) {
+        LayerModule(kit);
+        kit.Record<Boring>("Boring", {.recordGroup = 140})
+            .Array<&Boring::layers>("Layers", L"Layers", {.recordGroup = 141});
+        kit.Record<Field>("Field", {.recordGroup = 60})
+            .Struct<&Field::boring>("Boring", L"Boring")
+            .Array<&Field::borings>("Borings", L"Borings");
+        kit.Branch<Field>("Field", L"Field", [] { return &field; });
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Layers}: the group 141 lies in a record that is inside another one itself.",
+                                   L"{Boring}: the group 140 lies in elements that are no records."}));
+}
+
+TEST_F(MistakeTest, GroupOfWhatIsNoContainer) {
+    Report const report = Run([](Kit& kit) {
+        LayerModule(kit);
+        kit.Branch<Layer>("Layer", L"Layer", [] { return field.boring.layers.data(); }, {.recordGroup = 10});
+    });
+    EXPECT_EQ(Texts(report),
+              (List{L"{Layer}: only a container holds records: a structure has the group of its type."}));
+}
+
+TEST_F(MistakeTest, LinksToWhatIsNoGroup) {
+    Report const report = Run([](Kit& kit) {
+        LayerModule(kit);
+        kit.Record<Boring>("Boring").Array<&Boring::layers>("Layers", L"Layers", {.recordGroup = 130});
+        kit.Record<Field>("Field").Array<&Field::borings>("Borings", L"Borings", {.recordGroup = 20});
+        kit.Branch<Field>("Field", L"Field", [] { return &field; });
+        struct Marker {
+            int layer = 0, boring = 0, soil = 0;
+        };
+        kit.Record<Marker>("Marker")
+            .Link<&Marker::layer>("Layer", L"Layer", 130)
+            .Link<&Marker::boring>("Boring", L"Boring", 20)
+            .Link<&Marker::soil>("Soil", L"Soil", 5);
+    });
+    EXPECT_EQ(Texts(report),
+              (List{L"{Layer}: the records of group 130 lie inside others, so no number alone leads to one.",
+                    L"{Soil}: no records of group 5 are declared."}));
+}
+
+TEST_F(MistakeTest, LinkToAMemberThatIsDeclaredAlready) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Layer>("Layer").Field<&Layer::soil>("Number", L"Number").Link<&Layer::soil>("Soil", L"Soil", 10);
+        kit.Branch<std::vector<Layer>>("Soils", L"Soils", [] { return &field.boring.layers; }, {.recordGroup = 10});
+    });
+    EXPECT_EQ(Texts(report), (List{L"{Soil}: this part of {Layer} is declared already."}));
+}
+
+TEST_F(MistakeTest, Aliases) {
+    Report const report = Run([](Kit& kit) {
+        kit.Record<Layer>("Layer")
+            .Field<&Layer::thickness>("Thickness", L"Thickness")
+            .Alias("Thickness", L"Owner", L"@Parent.Name")
+            .Alias("Other", L"Thickness", L"");
+        kit.Alias("A", L"Len", "Soils[0]");
+        kit.Alias("B[0]", L"B", "Soils[0]");
+        kit.Alias("C", L"C", "");
+        kit.Alias("D.E", L"E", "Soils[0]");
+        kit.AliasByTag("F", L"C", L"Soils[1]");
+        kit.AliasByTag("C", L"G", L"");
+        kit.Alias("C.H", L"H", "Soils[0]");
+        kit.Alias("I", L"I[J]", "Soils");
+    });
+    EXPECT_EQ(Texts(report),
+              (List{L"{Thickness}: the name is taken in {Layer}.", L"{Other}: the tag {Thickness} is taken in {Layer}.",
+                    L"{Other}: an alias needs a source.", L"{A}: the tag {Len} is reserved.",
+                    L"{B[0]}: a name can hold none of . [ ] ( ) @ $.", L"{C}: an alias needs a source.",
+                    L"{D.E}: the parent {D} is missing.", L"{F}: the tag {C} is taken.",
+                    L"{C}: an alias needs a source.", L"{C}: the name is taken.",
+                    L"{C.H}: the parent {C} is no group: what lies in an object is declared with its type.",
+                    L"{I}: the tag {I[J]} holds a \".\" or a bracket."}));
+}
+
+TEST_F(MistakeTest, FieldsOfAnAliasSet) {
+    Report const report = Run([](Kit& kit) {
+        kit.AliasSet(
+            "Cover", L"Cover",
+            {{"Strength", "Soils[0].Cohesion"}, {"Strength", "Soils[1].Cohesion"}, {"Area", ""}, {"A.B", "C"}});
+    });
+    EXPECT_EQ(Texts(report),
+              (List{L"{Cover}: the field {Strength} comes twice.", L"{Cover}: the field {Area} needs a source.",
+                    L"{Cover}: a name can hold none of . [ ] ( ) @ $."}));
+}
+
 TEST_F(MistakeTest, Modules) {
     Report const report = zo::kit::Register(
         {{"Soils", &PointModule}, {"Soils", [](Kit&) {}}, Module(static_cast<void (*)(Kit&)>(nullptr))});
@@ -343,6 +524,20 @@ TEST_F(TakenTest, RowsThatAreThereAlreadyKeepTheirNamesAndTags) {
     Register({[](Kit& kit) { kit.Branch<double>("Group.C", L"C", [] { return &b; }); }});
     EXPECT_EQ(TextOf("Group.C"), L"2");
     EXPECT_EQ(Body(), L"<Group><C>2</C><InGroup>1</InGroup></Group><TagOfA>1</TagOfA>");
+}
+
+TEST_F(TakenTest, GroupsOfAnEarlierRegistrationAreTaken) {
+    static std::vector<Point> pins, nails;
+    Register({&PointModule, [](Kit& kit) {
+                  kit.Branch<std::vector<Point>>("Pins", L"Pins", [] { return &pins; }, {.recordGroup = 40});
+              }});
+    Report const report = zo::kit::Register({&PointModule, [](Kit& kit) {
+                                                 kit.Branch<std::vector<Point>>(
+                                                     "Nails", L"Nails", [] { return &nails; }, {.recordGroup = 40});
+                                             }});
+    ASSERT_EQ(report.mistakes.size(), 1u);
+    EXPECT_EQ(report.mistakes[0].text, L"{Nails}: the group 40 is taken by {Pins}.");
+    EXPECT_EQ(zo::kit::impl::TableOfRegistry()->NameOf(GGID{40, 1}), "Pins[0]");
 }
 
 } // namespace
