@@ -49,9 +49,10 @@ htl::status Forward(ZOAliasBase const& alias, H const& source, Operation const& 
 
 // Only the classes whose operations are known: any other may answer for itself.
 bool PassesOnEverything(IZO const& node) {
-    std::type_info const& type = typeid(node);
-    return type == typeid(ZOAlias) || type == typeid(ZOAliasAbsolute) || type == typeid(ZOAliasAbsoluteSlow) ||
-           type == typeid(ZOAliasRelative);
+    // By address: these classes are described here and nowhere else.
+    std::type_info const* const type = &typeid(node);
+    return type == &typeid(ZOAlias) || type == &typeid(ZOAliasAbsolute) || type == &typeid(ZOAliasAbsoluteSlow) ||
+           type == &typeid(ZOAliasRelative);
 }
 
 // The row's own traits, null unless the node has a row with a tag.

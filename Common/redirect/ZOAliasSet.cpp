@@ -1,8 +1,8 @@
 #include "Common/redirect/ZOAliasSet.h"
 
 #include "Common/model/ZOArray.h"
+#include "Common/registry/Find.h"
 #include "Common/registry/RegistryImpl.h"
-#include "Common/registry/ZOSet.h"
 
 #include "support/text.h"
 
@@ -34,18 +34,18 @@ meta::MetaPersistTraits ZOAliasSet::GetPersistTraits() const { return persist; }
 IZO* ZOAliasSet::Clone() { return new ZOAliasSet(persist.Tag, pairs, RegID(), Owner()); }
 
 ZOFwrdIterator ZOAliasSet::begin() {
-    if (pairs.empty() || !Owner()) return end();
+    if (pairs.empty()) return end();
     ZOFwrdIterator first;
     first.parent = H(this);
-    first.current = Owner()->Find(first.parent, pairs.front().first);
+    first.current = Find(first.parent, pairs.front().first);
     return first;
 }
 
 void ZOAliasSet::GetNextSubZO(ZOFwrdIterator& position) {
     ++position.index;
     position.current.release();
-    if (position.index < pairs.size() && Owner())
-        position.current = Owner()->Find(H(this), pairs[position.index].first);
+    if (position.index < pairs.size())
+        position.current = Find(H(this), pairs[position.index].first);
     else
         position = end();
 }
