@@ -35,6 +35,15 @@ struct Site {
     std::vector<Soil> soils;
     std::array<double, 3> load{1, 2, 3};
     int count = 4;
+    int chosen = 2; // number of a soil
+};
+
+/// Soils are numbered from 1.
+class SoilNames final : public zo::RecordNames {
+public:
+    std::string NameOf(GGID const& record, zo::ZOSet&) const override {
+        return "Soils[" + std::to_string(record.id - 1) + "]";
+    }
 };
 
 meta::MetaDataTraits NumberTraits() { return meta::AtomicTraits<double>(); }
@@ -116,6 +125,11 @@ htl::handle<zo::ZORegistry> Register(Site& site) {
     row("Load", Array(0, LoadTraits()), L"Load", LoadTraits(), &site.load);
     row("Load.[]", Value<double>(0, NumberTraits()), L"", NumberTraits());
     row("Count", Value<int>(0, meta::AtomicTraits<int>()), L"Count", meta::AtomicTraits<int>(), &site.count);
+    static meta::MetaDataTraits const link = meta::AtomicBuilder<int>().Missing(0).LinkGroup(5).Build();
+    row("Chosen",
+        H(new zo::ZOWrapperLink<int>(IZO::npos, nullptr, link, nullptr, {},
+                                     htl::handle<zo::RecordNames const>(new SoilNames))),
+        L"Chosen", link, &site.chosen);
     meta::MetaDataTraits const none;
     row("First", H(new zo::ZOAlias("Soils[0]", IZO::npos, nullptr)), L"First", none);
     row("Kept", H(new zo::ZOAliasAbsolute("Soils[1].Cohesion", IZO::npos, nullptr)), L"Kept", none);
