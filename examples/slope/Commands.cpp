@@ -65,7 +65,7 @@ int Show(Options const& options, Streams const& streams) {
     Document document;
     LoadReport const report = LoadWithProgress(document, options.arguments[0]);
     if (!Warn(report, options.arguments[0], streams)) return exitProblems;
-    PrintTree(streams.out, document.Root(), document.Units(), shownElements);
+    PrintTree(streams.out, document.Root(), document.Units(), shownElements, document.Aliases());
     return report.IsClean() ? exitOk : exitProblems;
 }
 

@@ -46,7 +46,15 @@ zo::H Document::Find(std::string const& name) {
 
 zo::H Document::FindTag(std::string const& tag) {
     MakeCurrent();
-    return zo::FindTag(tag);
+    if (zo::H const node = zo::FindTag(tag)) return node;
+    // Step by step, through links and aliases. A path that ends where it began names nothing.
+    zo::H const node = zo::LookupRelative(registry->Root(), Wide(tag));
+    return node && node->RegID() != 0 ? node : zo::H();
+}
+
+std::vector<zo::H> Document::Aliases() {
+    zo::H const current = Find("CurrentAnalysis");
+    return current ? std::vector{current} : std::vector<zo::H>();
 }
 
 htl::status Document::Save(std::string const& path) {
@@ -80,6 +88,21 @@ LoadReport Document::Load(std::string const& path) {
     CheckValues_(registry->Root(), report.invalid);
     for (std::string& broken : BrokenReferences(*project)) report.invalid.push_back(std::move(broken));
     return report;
+}
+
+htl::handle<zo::ZOTransaction> Document::Begin() {
+    MakeCurrent();
+    return registry->CreateTransaction();
+}
+
+htl::status Document::Undo(zo::ZOJournal const& journal) {
+    MakeCurrent();
+    return journal.Undo(*registry);
+}
+
+htl::status Document::Redo(zo::ZOJournal const& journal) {
+    MakeCurrent();
+    return journal.Redo(*registry);
 }
 
 math::UnitSet Document::Units() const {

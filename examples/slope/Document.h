@@ -42,13 +42,23 @@ public:
     zo::H Root();
     /// The node under a name, such as "Materials[0].Cohesion"; empty if there is none. Indices count from 0.
     zo::H Find(std::string const& name);
-    /// The node under a tag, such as "Materials[1].Cohesion"; empty if there is none. Indices count from 1.
+    /// The node under a tag, such as "Materials[1].Cohesion"; empty if there is none. Indices count from 1. Both go
+    /// through links and aliases, "Regions[1].Material.Cohesion".
     zo::H FindTag(std::string const& tag);
+
+    /// The nodes that only stand for others. No walk comes to them.
+    std::vector<zo::H> Aliases();
 
     /// Saves the document. A file that is there is replaced only when the new one is complete.
     htl::status Save(std::string const& path);
     /// Loads a file into the emptied document. After a failure the document holds a part of the file at most.
     LoadReport Load(std::string const& path);
+
+    /// An empty transaction: what is found through it is staged, and its commit goes to this document.
+    htl::handle<zo::ZOTransaction> Begin();
+    /// Takes a commit to this document back, or does it again.
+    htl::status Undo(zo::ZOJournal const& journal);
+    htl::status Redo(zo::ZOJournal const& journal);
 
     /// The units in which the document's values are stored.
     math::UnitSet Units() const;

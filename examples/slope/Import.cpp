@@ -269,6 +269,8 @@ htl::status Importer::Analyses_() {
         std::string const& kind = row.fields[factorTable::kind];
         if (kind != "published" && kind != "recomputed")
             return table.Refuse(row, factorTable::kind, "is neither published nor recomputed");
+        // In a slope of one soil every slip surface lies in it. Where there are more, the tables don't tell which ones.
+        if (project.regions.size() == 1) analysis.region = 1;
         analysis.source = kind == "published" ? FactorSource::Published : FactorSource::Recomputed;
         project.analyses.push_back(std::move(analysis));
     }

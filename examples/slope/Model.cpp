@@ -58,6 +58,15 @@ std::vector<std::string> BrokenReferences(Project const& project) {
             if (!Names(number, project.lines.size()))
                 broken.push_back(Sentence("Region", i, region.name, "line", number, project.lines.size()));
     }
+    for (std::size_t i = 0; i < project.analyses.size(); ++i) {
+        Analysis const& analysis = project.analyses[i];
+        if (analysis.region != 0 && !Names(analysis.region, project.regions.size()))
+            broken.push_back(
+                Sentence("Analysis", i, analysis.method, "region", analysis.region, project.regions.size()));
+    }
+    if (project.currentAnalysis != 0 && !Names(project.currentAnalysis, project.analyses.size()))
+        broken.push_back("The current analysis is number " + std::to_string(project.currentAnalysis) +
+                         ", but there are " + std::to_string(project.analyses.size()) + ".");
     return broken;
 }
 

@@ -77,6 +77,7 @@ enum class FactorSource { Published = 1, Recomputed };
 /// A factor of safety that somebody computed.
 struct Analysis {
     std::string method; // as its source names it
+    int region = 0;     // number of the region that holds all of its slip surface, from 1; 0 where none is known to
     double factorOfSafety = 0;
     double lambda = missing; // of the methods that have one
     FactorSource source = FactorSource::Published;
@@ -114,6 +115,7 @@ struct Project {
     std::vector<Region> regions;
     std::vector<SlipCircle> slipCircles;
     std::vector<Analysis> analyses;
+    int currentAnalysis = 0; // number of the one that is worked on, from 1; 0 for none
     std::unique_ptr<WaterTable> water;
     std::unique_ptr<Aquifer> aquifer;
 };

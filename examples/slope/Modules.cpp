@@ -66,18 +66,19 @@ auto Part(std::shared_ptr<Project> const& project, std::unique_ptr<T> Project::*
     };
 }
 
-/// Makes or removes a part that comes and goes. The library is told, since it may know where the old one was.
+/// Makes or removes a part that comes and goes. The library is told, since it may know where the old one was: as the
+/// part's own branch, or as what an alias led to.
 template <class T>
-void Make(std::unique_ptr<T>& part, bool wanted, char const* branch) {
+void Make(std::unique_ptr<T>& part, bool wanted) {
     if (static_cast<bool>(part) == wanted) return;
     part = wanted ? std::make_unique<T>() : nullptr;
-    zo::ZORegistry::Instance()->InvalidateMemory(branch);
+    zo::ZORegistry::Instance()->InvalidateMemory("");
 }
 
 bool HasWater(Project const& project) { return static_cast<bool>(project.water); }
-void SetHasWater(Project& project, bool wanted) { Make(project.water, wanted, "Water"); }
+void SetHasWater(Project& project, bool wanted) { Make(project.water, wanted); }
 bool HasAquifer(Project const& project) { return static_cast<bool>(project.aquifer); }
-void SetHasAquifer(Project& project, bool wanted) { Make(project.aquifer, wanted, "Aquifer"); }
+void SetHasAquifer(Project& project, bool wanted) { Make(project.aquifer, wanted); }
 int PointCount(Project const& project) { return static_cast<int>(project.points.size()); }
 
 void ProjectModule(Kit& kit, std::shared_ptr<Project> const& project) {
@@ -95,12 +96,16 @@ void ProjectModule(Kit& kit, std::shared_ptr<Project> const& project) {
         .Field<&Project::title>("Title", L"Title")
         .Field<&Project::units>("Units", L"Units")
         .Struct<&Project::settings>("Settings", L"Settings")
+        .Link<&Project::currentAnalysis>("CurrentAnalysis", L"CurrentAnalysis", analysisRecords,
+                                         {.persist = Persist::IfNotDefault})
         .Property<&HasWater, &SetHasWater>("HasWater", L"HasWater")
         .Property<&HasAquifer, &SetHasAquifer>("HasAquifer", L"HasAquifer", {.persist = Persist::IfNotDefault})
         .Computed<&SlopeHeight>("SlopeHeight", L"SlopeHeight", {.unit = Kind::Length})
         .Computed<&PointCount>("PointCount", L"PointCount");
     kit.Branch<Project>("Project", L"Project",
                         [weak = std::weak_ptr(project)]() -> Project* { return weak.lock().get(); });
+    // Another name for the analysis that the link leads to now: CurrentAnalysis.FactorOfSafety.
+    kit.Alias("CurrentAnalysis", L"CurrentAnalysis", "Project.CurrentAnalysis.@");
 }
 
 void MaterialModule(Kit& kit, std::shared_ptr<Project> const& project) {
@@ -113,7 +118,8 @@ void MaterialModule(Kit& kit, std::shared_ptr<Project> const& project) {
         .Field<&Material::unitWeight>("UnitWeight", L"UnitWeight", {.unit = Kind::UnitWeight, .min = 0})
         .Field<&Material::color>("Color", L"Color", {.max = 0xFFFFFF})
         .Array<&Material::anisotropy>("Anisotropy", L"Anisotropy", {.dflt = 1, .min = 0});
-    kit.Branch<std::vector<Material>>("Materials", L"Materials[Material]", Part(project, &Project::materials));
+    kit.Branch<std::vector<Material>>("Materials", L"Materials[Material]", Part(project, &Project::materials),
+                                      {.recordGroup = materialRecords});
 }
 
 void GeometryModule(Kit& kit, std::shared_ptr<Project> const& project) {
@@ -127,11 +133,12 @@ void GeometryModule(Kit& kit, std::shared_ptr<Project> const& project) {
         .Array<&Line::points>("Points", L"Points", {.dflt = 1, .min = 1});
     kit.Record<Region>("Region")
         .Field<&Region::name>("Name", L"Name")
-        .Field<&Region::material>("Material", L"Material", {.min = 0})
+        .Link<&Region::material>("Material", L"Material", materialRecords) // Regions[2].Material.Cohesion
         .Array<&Region::lines>("Lines", L"Lines", {.dflt = 1, .min = 1});
     kit.Branch<std::vector<Point>>("Points", L"Points[Point]", Part(project, &Project::points));
     kit.Branch<std::vector<Line>>("Lines", L"Lines[Line]", Part(project, &Project::lines));
-    kit.Branch<std::vector<Region>>("Regions", L"Regions[Region]", Part(project, &Project::regions));
+    kit.Branch<std::vector<Region>>("Regions", L"Regions[Region]", Part(project, &Project::regions),
+                                    {.recordGroup = regionRecords});
 }
 
 void WaterModule(Kit& kit, std::shared_ptr<Project> const& project) {
@@ -148,13 +155,15 @@ void AnalysisModule(Kit& kit, std::shared_ptr<Project> const& project) {
     kit.Enum<FactorSource>(factorSourceWords);
     kit.Record<Analysis>("Analysis")
         .Field<&Analysis::method>("Method", L"Method")
+        .Link<&Analysis::region>("Region", L"Region", regionRecords, {.persist = Persist::IfNotDefault})
         .Field<&Analysis::factorOfSafety>("FactorOfSafety", L"FactorOfSafety", {.min = 0})
         .Field<&Analysis::lambda>("Lambda", L"Lambda")
         .Field<&Analysis::source>("Source", L"Source");
     kit.Record<SlipCircle>("SlipCircle")
         .Struct<&SlipCircle::centre>("Centre", L"Centre")
         .Field<&SlipCircle::radius>("Radius", L"Radius", {.unit = Kind::Length, .min = 0});
-    kit.Branch<std::vector<Analysis>>("Analyses", L"Analyses[Analysis]", Part(project, &Project::analyses));
+    kit.Branch<std::vector<Analysis>>("Analyses", L"Analyses[Analysis]", Part(project, &Project::analyses),
+                                      {.recordGroup = analysisRecords});
     kit.Branch<std::vector<SlipCircle>>("SlipCircles", L"SlipCircles[SlipCircle]",
                                         Part(project, &Project::slipCircles));
 }

@@ -3,9 +3,14 @@
 
 #include "examples/slope/Model.h"
 
+#include <zo/zo.h>
+
 #include <memory>
 
 namespace slope {
+
+/// The groups of things that have numbers, to which others refer. A number is a position, from 1.
+enum RecordGroup : GID { materialRecords = 10, regionRecords, analysisRecords };
 
 /// Declares the project's structures and registers them in the current registry, which then finds, edits, saves and
 /// loads `*project`. The registry may outlive the project: its branches are then gone.

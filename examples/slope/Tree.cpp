@@ -41,15 +41,25 @@ public:
                 return;
             }
             ++shown;
-            table.Add(
-                {child->Name(), Narrow(child->TagName(zo::FullTagType)), ValueText(child), UnitText(child, units)});
+            table.Add({child->Name(), Narrow(child->TagName(zo::FullTagType)), Value_(child), UnitText(child, units)});
             if (!child->IsValueType()) Children(child);
         }
+    }
+
+    void Alias(zo::H const& alias) {
+        std::string const source = LeadsTo(alias);
+        table.Add({alias->Name(), Narrow(alias->TagName(zo::FullTagType)),
+                   source.empty() ? "stands for nothing now" : "stands for " + source});
     }
 
     Table table{{{"Name"}, {"Tag"}, {"Value"}, {"Unit"}}};
 
 private:
+    static std::string Value_(zo::H const& node) {
+        std::string const target = LeadsTo(node);
+        return ValueText(node) + (target.empty() ? "" : " (" + target + ")");
+    }
+
     math::UnitSet units;
     std::size_t elementLimit;
 };
@@ -179,6 +189,17 @@ bool Matches(Document& a, Document& b) {
 
 } // namespace
 
+bool IsAlias(zo::H const& node) {
+    auto const* const redirect = dynamic_cast<zo::ZORedirect const*>(node.get());
+    return redirect && redirect->IsAlias();
+}
+
+std::string LeadsTo(zo::H const& node) {
+    auto const* const redirect = dynamic_cast<zo::ZORedirect const*>(node.get());
+    zo::H const source = redirect ? redirect->Redirect() : zo::H();
+    return source ? source->Name() : std::string();
+}
+
 std::string ValueText(zo::H const& node) {
     if (zo::ZOArray* const array = AsArray(node)) {
         std::size_t const length = array->Length();
@@ -194,7 +215,8 @@ std::string ValueText(zo::H const& node) {
         return Join(texts, ", ");
     }
     if (!node->IsValueType()) return {};
-    return node->IsUndefined() ? "(missing)" : TextOf(*node);
+    if (node->IsUndefined()) return zo::IsLinkField(node) ? "(none)" : "(missing)";
+    return TextOf(*node);
 }
 
 std::string UnitText(zo::H const& node, math::UnitSet const& units) {
@@ -206,9 +228,11 @@ std::string UnitText(zo::H const& node, math::UnitSet const& units) {
     return Narrow(hzn::units::GetEngUnitValueString(record->unitKind(nullptr, node.get()), units));
 }
 
-void PrintTree(std::ostream& out, zo::H const& top, math::UnitSet const& units, std::size_t elementLimit) {
+void PrintTree(std::ostream& out, zo::H const& top, math::UnitSet const& units, std::size_t elementLimit,
+               std::vector<zo::H> const& aliases) {
     Printer printer(units, elementLimit);
     printer.Children(top);
+    for (zo::H const& alias : aliases) printer.Alias(alias);
     printer.table.Print(out);
 }
 

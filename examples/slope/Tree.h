@@ -13,16 +13,23 @@
 
 namespace slope {
 
+/// Whether the node only stands for another one, which has a place of its own in the tree.
+bool IsAlias(zo::H const& node);
+
+/// The name of the node that a link or an alias leads to now; "" for nothing, and for any other node.
+std::string LeadsTo(zo::H const& node);
+
 /// A node's value for people: of a list of values the first ones and how many there are, "(missing)" for a missing one,
-/// "" for a structure, the failure's message in "<>" where a value can't be read.
+/// "(none)" for a link that is not set, "" for a structure, the failure's message in "<>" where a value can't be read.
 std::string ValueText(zo::H const& node);
 
 /// The text of the unit that a node's value is stored in; "" without one.
 std::string UnitText(zo::H const& node, math::UnitSet const& units);
 
-/// Prints a table of all nodes under `top`: name, tag, value, unit. Of an array of records only the first
-/// `elementLimit` are shown, and how many more there are.
-void PrintTree(std::ostream& out, zo::H const& top, math::UnitSet const& units, std::size_t elementLimit);
+/// Prints a table of all nodes under `top`, and of `aliases`: name, tag, value, unit. Of an array of records only the
+/// first `elementLimit` are shown, and how many more there are. Links and aliases are shown with what they lead to.
+void PrintTree(std::ostream& out, zo::H const& top, math::UnitSet const& units, std::size_t elementLimit,
+               std::vector<zo::H> const& aliases = {});
 
 /// The result of comparing two trees.
 struct Comparison {
