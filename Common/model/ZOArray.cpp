@@ -43,14 +43,16 @@ htl::status ZOArray::Get(std::wstring& text) {
 ZOFwrdIterator ZOArray::begin() {
     ZOFwrdIterator first;
     first.parent = H(this);
-    first.current = tables::FindElement(tables::OwnerOrCurrent(*this), this, 0);
+    if (Length() > 0) first.current = tables::FindElement(tables::OwnerOrCurrent(*this), this, 0);
     return first;
 }
 
 void ZOArray::GetNextSubZO(ZOFwrdIterator& position) {
     position.current.release();
     ++position.index;
-    position.current = tables::FindElement(tables::OwnerOrCurrent(*this), this, position.index);
+    // A staged array may be shorter than the one that its set finds elements in.
+    if (position.index < Length())
+        position.current = tables::FindElement(tables::OwnerOrCurrent(*this), this, position.index);
 }
 
 htl::status ZOArray::Assign(H const& source) {

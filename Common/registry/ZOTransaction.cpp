@@ -10,6 +10,7 @@
 #include <array>
 #include <memory>
 #include <string_view>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -32,6 +33,15 @@ std::string_view PlainComponent(std::string_view parent, std::string_view name) 
         return {};
     }
     return rest.find_first_of(".[]") == rest.npos ? rest : std::string_view();
+}
+
+/// Whether `name` is an element behind the end of a staged array, which may be shorter than the source's.
+bool IsPastEnd(IZO const& array, std::string_view name) {
+    if (!name.ends_with(IZO::chArrayClose) || &typeid(array) != &typeid(ZOArrayClone)) return false;
+    std::size_t index = 0;
+    name.remove_suffix(1);
+    return path::ParseIndex(name.substr(std::min(name.rfind(IZO::chArrayOpen) + 1, name.size())), index) &&
+           index >= array.Length();
 }
 
 /// The hashes of a name and of what stands before each of its boundaries, from one pass over it.
@@ -151,6 +161,7 @@ H ZOTransaction::Find(std::string const& name) {
         if (step.sourceEnded && length > LongestVisible(Source())) return {};
         step.name.assign(name, 0, length);
         step.hash = length == name.size() ? hashes.Whole() : hashes.OfPrefix(length);
+        if (step.parent && IsPastEnd(*step.parent, step.name)) return {};
         node = Stage_(step);
         step.parent = node;
     }

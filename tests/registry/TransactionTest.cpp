@@ -384,6 +384,30 @@ TEST_F(SelfEnteringTest, AnEmptyTransactionRaisesWhatItsEntryFailedWith) {
 
 // --- arrays ---
 
+TEST_F(TransactionTest, AnElementPastTheEndOfAShortenedArrayIsNotThere) {
+    StageLength("Soils", 1);
+    EXPECT_TRUE(Staged("Soils[0].Cohesion"));
+    EXPECT_FALSE(Staged("Soils[1]"));
+    EXPECT_FALSE(Staged("Soils[2].Cohesion"));
+    EXPECT_FALSE(Staged("Soils.At(2)"));
+}
+
+TEST_F(TransactionTest, AWalkOverAShortenedArrayEndsAtItsNewEnd) {
+    StageLength("Soils", 2);
+    std::vector<std::string> names;
+    H const soils = Staged("Soils");
+    for (zo::ZOFwrdIterator at = soils->begin(); at.current; ++at) names.push_back(at.current->Name());
+    EXPECT_EQ(names, (std::vector<std::string>{"Soils[0]", "Soils[1]"}));
+}
+
+TEST_F(TransactionTest, AnElementThatWasStagedBeforeItsArrayWasShortenedStaysStaged) {
+    H const last = Staged("Soils[2].Cohesion");
+    StageLength("Soils", 1);
+    EXPECT_EQ(Staged("Soils[2].Cohesion"), last);
+    EXPECT_TRUE(Succeeds(transaction->Commit("", "")));
+    EXPECT_EQ(model.soils.size(), 1u);
+}
+
 TEST_F(TransactionTest, ALengthenedArrayHasNewElements) {
     StageLength("Soils", 5);
     H const cohesion = Staged("Soils[4].Cohesion");
