@@ -6,6 +6,7 @@
 #include "examples/slope/Import.h"
 #include "examples/slope/Options.h"
 #include "examples/slope/Progress.h"
+#include "examples/slope/SetValues.h"
 #include "examples/slope/Text.h"
 #include "examples/slope/Tree.h"
 
@@ -97,18 +98,17 @@ int Set(Options const& options, Streams const& streams) {
         return refuse("Saving would lose what couldn't be read.");
     }
 
-    zo::H const node = Lookup(document, options);
-    if (!node) return refuse(NothingThere(options));
-    if (!node->IsValueType()) return refuse(NoValue(node));
-    meta::MetaDataTraits const traits = node->GetDataTraits();
-    if (traits && !meta::CallRule(traits.Descriptor()->editable, node.get()))
-        return refuse(node->Name() + " can't be edited.");
-    std::string const before = ValueText(node);
-    if (htl::status const refusal = node->Set(Wide(options.arguments[2])); refusal.IsError())
-        return refuse(Message(refusal));
-    std::string const after = ValueText(node);
+    std::vector<WantedValue> wanted;
+    for (std::size_t i = 1; i + 1 < options.arguments.size(); i += 2)
+        wanted.push_back({options.arguments[i], options.arguments[i + 1]});
+    std::vector<ChangedValue> changed;
+    std::vector<std::string> const problems = SetValues(document, wanted, options.tag, changed);
+    for (std::string const& problem : problems) streams.Problem(problem);
+    if (!problems.empty()) return streams.Problem(file + " stays as it is.");
     if (htl::status const failure = document.Save(file); failure.IsError()) return refuse(Message(failure));
-    streams.out << node->Name() << ": " << before << " -> " << after << '\n';
+    for (ChangedValue const& value : changed)
+        streams.out << value.name << ": " << value.before << " -> " << value.after
+                    << (value.asked.empty() ? "" : " (by way of " + value.asked + ")") << '\n';
     return exitOk;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string_view>
 
 namespace slope {
@@ -10,15 +11,18 @@ namespace {
 
 struct Command {
     std::string_view name, arguments, what;
-    std::size_t fewest, most;  // arguments
+    std::size_t fewest, most;  // arguments; of any number of them, an odd one: a file and pairs
     std::string_view switches; // the options that it takes
 };
 
+constexpr std::size_t manyArguments = std::numeric_limits<std::size_t>::max();
+
 constexpr std::array commands{
-    Command{"run", "", "import, look up, edit, save, load and compare, and say so", 0, 0, "--problem --data --out"},
+    Command{"run", "", "import, edit, save, load and compare", 0, 0, "--problem --data --out"},
     Command{"show", "FILE", "print the tree of a saved file", 1, 1, ""},
     Command{"get", "FILE NAME", "print one value", 2, 2, "--tag"},
-    Command{"set", "FILE NAME VALUE", "change one value and save the file", 3, 3, "--tag"},
+    Command{"set", "FILE NAME VALUE [NAME VALUE]...", "change values, all or none, and save the file", 3, manyArguments,
+            "--tag"},
     Command{"check", "FILE", "list everything that is wrong with a file", 1, 1, ""},
     Command{"import", "PROBLEM FILE", "save a published problem as a file", 2, 2, "--data"},
     Command{"large", "[COUNT]", "make, save, load and compare COUNT cells (106257)", 0, 1, "--out"},
@@ -102,7 +106,8 @@ bool ParseOptions(std::vector<std::string> const& words, Options& options, std::
         mistake = "There is no command \"" + options.command + "\".";
         return false;
     }
-    if (options.arguments.size() < command->fewest || options.arguments.size() > command->most) {
+    std::size_t const count = options.arguments.size();
+    if (count < command->fewest || count > command->most || (command->most == manyArguments && count % 2 == 0)) {
         mistake = "Usage: slope " + std::string(command->name) +
                   (command->arguments.empty() ? "" : " " + std::string(command->arguments));
         return false;
@@ -121,17 +126,23 @@ std::string HelpText() {
                        "Usage: slope [COMMAND] [OPTIONS]\n"
                        "\n"
                        "Commands:\n";
+    std::size_t width = 0;
     for (Command const& command : commands)
-        text += "  " + Padded(std::string(command.name) + " " + std::string(command.arguments), 22) +
+        width = std::max(width, command.name.size() + 1 + command.arguments.size() + 2);
+    for (Command const& command : commands)
+        text += "  " + Padded(std::string(command.name) + " " + std::string(command.arguments), width) +
                 std::string(command.what) + (command.name == "run" ? " (no command does the same)" : "") + "\n";
     text += "\nOptions:\n";
     for (Switch const& option : switches)
-        text += "  " + Padded(std::string(option.name) + " " + std::string(option.value), 22) +
+        text += "  " + Padded(std::string(option.name) + " " + std::string(option.value), width) +
                 std::string(option.what) + "\n";
     text +=
         "\n"
         "NAME is a name such as Materials[0].Cohesion, with indices from 0, or with --tag a tag such as\n"
         "Materials[1].Cohesion. `show` lists both. VALUE is text as `get` prints it; behind -- it may begin with -.\n"
+        "Names go through links and other names, as in Regions[2].Material.Cohesion and CurrentAnalysis.Method.\n"
+        "`set` takes its pairs in any order, such as a length, elements, or Project.HasWater true and a value of the\n"
+        "water; if one of them is refused, it says so of each and saves nothing.\n"
         "A file is only ever replaced as a whole, and `set` doesn't touch one of which it couldn't read everything.\n"
         "\n"
         "Exit status: 0 all is well; 1 something was refused, differs, or is wrong with a file; 2 the command line\n"

@@ -67,7 +67,8 @@ TEST_F(CommandTest, RefusedSetKeepsTheFile) {
     Outcome const outcome = Slope({"set", file, "Materials[0].Friction", "75"});
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err, "slope: 75 is not between 0 and 60.\nslope: " + file + " stays as it is.\n");
+    EXPECT_EQ(outcome.err,
+              "slope: Materials[0].Friction: 75 is not between 0 and 60.\nslope: " + file + " stays as it is.\n");
     EXPECT_EQ(ReadFile(file), before);
 
     for (auto const& [name, value] : {std::pair{"Materials[0].Cohesion", "much"}, std::pair{"Project.SlopeHeight", "3"},
