@@ -41,11 +41,17 @@ TEST(OptionsTest, WordsBehindTwoDashesAreArguments) {
     EXPECT_EQ(Parsed({"set", "dam.xml", "Project.Title", "--", "--tag"}).arguments.back(), "--tag");
 }
 
+TEST(OptionsTest, SetTakesAnyNumberOfPairs) {
+    EXPECT_EQ(Parsed({"set", "dam.xml", "Materials.Len", "2", "Materials[1].Name", "Clay"}).arguments.size(), 5u);
+}
+
 TEST(OptionsTest, MistakesAreNamed) {
     EXPECT_EQ(Mistake({"dance"}), "There is no command \"dance\".");
     EXPECT_EQ(Mistake({"run", "--fast"}), "There is no option --fast.");
     EXPECT_EQ(Mistake({"--problem"}), "--problem needs a value.");
     EXPECT_EQ(Mistake({"get", "dam.xml"}), "Usage: slope get FILE NAME");
+    EXPECT_EQ(Mistake({"set", "dam.xml", "Materials.Len", "2", "Materials[1].Name"}),
+              "Usage: slope set FILE NAME VALUE [NAME VALUE]...");
     EXPECT_EQ(Mistake({"show", "a.xml", "b.xml"}), "Usage: slope show FILE");
     EXPECT_EQ(Mistake({"show", "a.xml", "--problem", "AT1"}), "show takes no --problem.");
 }
@@ -53,7 +59,7 @@ TEST(OptionsTest, MistakesAreNamed) {
 TEST(OptionsTest, HelpTellsCommandsAndExitStatuses) {
     EXPECT_TRUE(Parsed({"set", "--help"}).help);
     std::string const text = slope::HelpText();
-    for (std::string const word : {"show FILE", "get FILE NAME", "set FILE NAME VALUE", "check FILE",
+    for (std::string const word : {"show FILE", "get FILE NAME", "set FILE NAME VALUE [NAME VALUE]...", "check FILE",
                                    "import PROBLEM FILE", "large [COUNT]", "--tag", "Exit status: 0"})
         EXPECT_TRUE(Holds(text, word));
 }

@@ -58,15 +58,15 @@ TEST_F(SetTest, OneRefusalKeepsAllFromBeingSaved) {
               "slope: Materials[1].Friction: 75 is not between 0 and 60.\n");
 }
 
-TEST_F(SetTest, AllProblemsAreListed) {
+TEST_F(SetTest, AllProblemsAreListedInTheOrderOfThePairs) {
     EXPECT_EQ(
         Refused({"Materials[0].Friction", "75", "Project.SlopeHeight", "3", "Materials[0].Cohesion", "7", "Colour", "4",
                  "Regions[0].Material", "-3", "Regions[0].Material.@", "2", "Materials[9].Name", "x"}),
         "slope: Materials[0].Friction: 75 is not between 0 and 60.\n"
         "slope: Project.SlopeHeight can't be edited.\n"
+        "slope: There is no name Colour.\n"
         "slope: Regions[0].Material: -3 is less than 0.\n"
         "slope: Materials[0] has no value of its own; `slope show` lists its parts.\n"
-        "slope: There is no name Colour.\n"
         "slope: There is no name Materials[9].Name.\n");
 }
 
