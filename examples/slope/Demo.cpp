@@ -2,13 +2,14 @@
 
 #include "examples/slope/Aquifer.h"
 #include "examples/slope/Document.h"
+#include "examples/slope/EditJob.h"
+#include "examples/slope/Folder.h"
 #include "examples/slope/Import.h"
 #include "examples/slope/Progress.h"
 #include "examples/slope/Table.h"
 #include "examples/slope/Text.h"
 #include "examples/slope/Tree.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <ostream>
 #include <system_error>
@@ -17,35 +18,6 @@
 namespace slope {
 
 namespace {
-
-/// Where files go: a folder that the user named, or a temporary one that goes when the work is done.
-class Folder {
-public:
-    explicit Folder(std::string const& named) : path(named), temporary(named.empty()) {
-        std::error_code error;
-        if (temporary) {
-            path = std::filesystem::temp_directory_path(error).string() + "/slope-XXXXXX";
-            if (!mkdtemp(path.data())) path.clear();
-        } else {
-            std::filesystem::create_directories(path, error);
-        }
-    }
-    Folder(Folder const&) = delete;
-    Folder& operator=(Folder const&) = delete;
-    ~Folder() {
-        std::error_code ignored; // what can't be removed stays among the temporary files
-        if (temporary && !path.empty()) std::filesystem::remove_all(path, ignored);
-    }
-
-    std::string File(std::string const& name) const { return path + "/" + name; }
-    /// The file as reports show it: a temporary folder is called differently each time.
-    std::string Shown(std::string const& name) const { return temporary ? name : File(name); }
-    bool IsTemporary() const { return temporary; }
-
-private:
-    std::string path;
-    bool temporary;
-};
 
 /// Saves, loads into a fresh document, compares: what every model goes through.
 class RoundTrip {
@@ -132,67 +104,29 @@ public:
         out << "  Imported " << Amounts(content) << ".\n";
 
         out << "\nThe tree\n";
-        PrintTree(out, document.Root(), document.Units(), elementLimit);
+        PrintTree(out, document.Root(), document.Units(), elementLimit, document.Aliases());
 
-        out << "\nLooking up and editing\n";
-        bool const edited = Edit_(document);
-
+        std::vector<Material> const published = content.materials; // before any edit
+        EditJob edit(document, folder.File(content.name + ".scratch.xml"), out);
+        out << "\nTrying an edit out: staged in a transaction, then dropped\n";
+        bool good = edit.TryOut();
+        out << "\nMaking the edit: staged again and committed\n";
+        good &= edit.Commit();
         out << "\nSaving and loading\n";
-        bool const kept = roundTrip.Run(document, folder, content.name + ".xml");
+        good &= roundTrip.Run(document, folder, content.name + ".xml");
+        out << "\nTaking the edit back\n";
+        good &= edit.UndoAndRedo();
+        if (content.units == UnitSystem::Imperial && !published.empty()) {
+            out << "\nUsing the published soil in a metric project\n";
+            good &= TakeIntoMetric(published.front(), out);
+        }
         out << '\n';
-        return edited && kept;
+        return good;
     }
 
     RoundTrip roundTrip;
 
 private:
-    bool Edit_(Document& document) {
-        Table table({{"What"}, {"Where"}, {"Before"}, {"Given"}, {"After"}});
-        bool good = true;
-
-        // By name, as code does: indices from 0.
-        std::string const name = "Materials[0].Cohesion";
-        zo::H const cohesion = document.Find(name);
-        if (!cohesion) return out << "  There is no " << name << ".\n", false;
-        double value = 0;
-        good &= !cohesion->Get(value).IsError();
-        good &= EditRow_(table, "set by name", name, cohesion, Decimal(value + 2.5));
-        good &= document.Content().materials[0].cohesion == value + 2.5; // the application's own field
-
-        // By tag, as documents and people do: indices from 1.
-        std::string const tag = "Materials[1].UnitWeight";
-        zo::H const weight = document.FindTag(tag);
-        if (!weight) return out << "  There is no " << tag << ".\n", false;
-        good &= !weight->Get(value).IsError();
-        good &= EditRow_(table, "set by tag", tag, weight, Decimal(value * 2));
-
-        zo::H const model = document.Find("Materials[0].Strength");
-        if (model) good &= EditRow_(table, "set by name", "Materials[0].Strength", model, "Undrained");
-        good &= model && document.Content().materials[0].strength == StrengthModel::Undrained;
-
-        // A value outside of its range is refused, and the old one stays.
-        std::string const friction = "Materials[0].Friction";
-        zo::H const angle = document.Find(friction);
-        if (!angle) return out << "  There is no " << friction << ".\n", false;
-        std::string const before = ValueText(angle);
-        htl::status const refusal = angle->Set(L"75");
-        table.Add({"refused", friction, before, "75", ValueText(angle)});
-        good &= refusal.IsError() && ValueText(angle) == before;
-
-        table.Print(out);
-        out << "  The refusal says: " << Message(refusal) << '\n';
-        return good;
-    }
-
-    static bool EditRow_(Table& table, std::string const& what, std::string const& where, zo::H const& node,
-                         std::string const& text) {
-        std::string const before = ValueText(node);
-        htl::status const failure = node->Set(Wide(text));
-        std::string const after = failure.IsError() ? Message(failure) : ValueText(node);
-        table.Add({what, where, before, text, after});
-        return !failure.IsError() && after == text;
-    }
-
     std::ostream& out;
     std::size_t elementLimit;
 };
@@ -230,7 +164,7 @@ bool RunDemo(std::string const& dataFolder, std::string const& problem, std::str
         bool const result = job.Run(std::move(project), folder);
         good &= result;
         summary.Add({name, RangeText(published), Count(job.roundTrip.size), Count(job.roundTrip.comparison.nodes),
-                     Count(job.roundTrip.comparison.differing), result ? "nothing changed" : "FAILED"});
+                     Count(job.roundTrip.comparison.differing), result ? "all as it should be" : "FAILED"});
     }
     out << "Summary\n";
     summary.Print(out);

@@ -7,9 +7,10 @@
 
 namespace slope {
 
-/// Imports the problems of a folder's tables (one, if `problem` isn't empty), and for each: prints its tree, looks up
-/// and edits by name and by tag, provokes a refusal, saves, loads into a fresh model and compares. Files go to
-/// `outFolder`, or are temporary if that is empty. Whether all went as it should.
+/// Imports the problems of a folder's tables (one, if `problem` isn't empty), and for each: prints its tree, stages an
+/// edit by name, by tag and through a link, provokes a refusal and rolls back, stages again and commits, saves, loads
+/// into a fresh model and compares, takes the edit back and does it again. A soil in pounds and feet is taken into a
+/// metric project, too. Files go to `outFolder`, or are temporary if that is empty. Whether all went as it should.
 bool RunDemo(std::string const& dataFolder, std::string const& problem, std::string const& outFolder, std::ostream& out,
              std::ostream& err);
 
