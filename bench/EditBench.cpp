@@ -31,6 +31,11 @@ meta::MetaDataTraits SoilsTraits() {
     return traits;
 }
 
+struct Edit {
+    std::string name;
+    double* field;
+};
+
 /// 10,000 soils of 10 fields, and all fields in a random order that is the same in every run.
 struct Site {
     Site() {
@@ -50,10 +55,6 @@ struct Site {
         std::shuffle(edits.begin(), edits.end(), std::mt19937(5));
     }
 
-    struct Edit {
-        std::string name;
-        double* field;
-    };
     bench::CurrentRegistry current;
     std::vector<Soil> soils{soilCount};
     std::vector<Edit> edits;
@@ -64,6 +65,22 @@ Site& TheSite() {
     static Site site;
     return site;
 }
+
+/// Names of four components in a registry of 5,050: 1,000 of its first materials' 4,500 fields.
+struct Modules {
+    Modules() {
+        bench::RegisterPathModel(model, false);
+        for (bench::PathLeaf const& leaf : bench::ShuffledLeaves(model))
+            if (edits.size() < 1'000 && leaf.name.find("[0]") != leaf.name.npos)
+                edits.push_back({leaf.name, leaf.value});
+        if (edits.size() != 1'000) throw std::runtime_error("too few fields");
+    }
+
+    bench::CurrentRegistry current;
+    bench::PathModel model;
+    std::vector<Edit> edits;
+    double value = 0;
+};
 
 void Counted(benchmark::State& state) {
     state.counters["per_field"] =
@@ -114,12 +131,14 @@ void BM_FindAndSet(benchmark::State& state) {
 }
 BENCHMARK(BM_FindAndSet)->Arg(1'000)->Arg(100'000);
 
-void Stage(zo::ZOTransaction& transaction, Site const& site, std::int64_t count) {
+template <class Model>
+void Stage(zo::ZOTransaction& transaction, Model const& site, std::int64_t count) {
     for (std::int64_t i = 0; i < count; ++i)
         (void)transaction.Find(site.edits[static_cast<std::size_t>(i)].name)->Set(site.value); // as above
 }
 
-void CheckCommitted(Site const& site, std::int64_t count) {
+template <class Model>
+void CheckCommitted(Model const& site, std::int64_t count) {
     for (std::int64_t i = 0; i < count; ++i)
         Require(*site.edits[static_cast<std::size_t>(i)].field == site.value, "a field was not committed");
 }
@@ -163,5 +182,28 @@ void BM_StageAndRollBack(benchmark::State& state) {
     Counted(state);
 }
 BENCHMARK(BM_StageAndRollBack)->Arg(1'000)->Arg(100'000);
+
+void BM_FindAndSetOfFour(benchmark::State& state) {
+    static Modules modules;
+    for (auto _ : state) {
+        modules.value += 0.5;
+        for (Edit const& edit : modules.edits) (void)zo::Find(edit.name)->Set(modules.value); // every value is accepted
+    }
+    Counted(state);
+}
+BENCHMARK(BM_FindAndSetOfFour)->Arg(1'000);
+
+void BM_StageAndCommitOfFour(benchmark::State& state) {
+    static Modules modules;
+    for (auto _ : state) {
+        modules.value += 0.5;
+        htl::handle<zo::ZOTransaction> const transaction = zo::ZORegistry::Instance()->CreateTransaction();
+        Stage(*transaction, modules, state.range(0));
+        Require(!transaction->Commit("", "").IsError(), "the commit failed");
+    }
+    CheckCommitted(modules, state.range(0));
+    Counted(state);
+}
+BENCHMARK(BM_StageAndCommitOfFour)->Arg(1'000);
 
 } // namespace
