@@ -133,12 +133,17 @@ private:
 
     void Commit_(std::vector<Found> const& ready) {
         auto const transaction = document.Begin();
+        std::size_t const first = changed.size();
         for (Found const& one : ready)
             if (std::string problem = Stage_(*transaction, one); !problem.empty())
                 problems.emplace(one.index, std::move(problem));
         document.MakeCurrent();
         if (htl::status const failure = transaction->Commit("", ""); failure.IsError())
             problems.emplace(wanted.size(), Message(failure));
+        // What can't be written at all is no failure of a commit, such as the length of a list that has a fixed one.
+        for (std::size_t i = first; i < changed.size(); ++i)
+            if (zo::H const node = document.Find(changed[i].name); node && ValueText(node) != changed[i].after)
+                problems.emplace(changedBy[i], wanted[changedBy[i]].name + " can't be edited.");
     }
 
     /// The problem, "" for none.
@@ -154,7 +159,8 @@ private:
         if (htl::status const refusal = staged->Set(Wide(value.text)); refusal.IsError())
             return value.name + ": " + Message(refusal);
         changedBy.push_back(one.index);
-        changed.push_back({one.name, ValueText(node), {}, one.ways.size() > 1 ? value.name : std::string()});
+        changed.push_back(
+            {one.name, ValueText(node), ValueText(staged), one.ways.size() > 1 ? value.name : std::string()});
         return {};
     }
 

@@ -147,6 +147,11 @@ TEST_F(SetTest, ValueThatIsGivenTwiceIsRefused) {
     EXPECT_EQ(Refused({"Materials.Len", "2", "Materials.Len", "3"}), "slope: Materials.Len is given twice.\n");
 }
 
+TEST_F(SetTest, LengthOfAListThatHasAFixedOneIsRefused) {
+    EXPECT_EQ(Refused({"Materials[0].Anisotropy.Len", "3", "Materials[0].Cohesion", "30"}),
+              "slope: Materials[0].Anisotropy.Len can't be edited.\n");
+}
+
 TEST_F(SetTest, EmptyTextTakesALinkAway) {
     EXPECT_EQ(Changed({"Regions[0].Material", ""}), "Regions[0].Material: 1 -> (none)\n");
 }
