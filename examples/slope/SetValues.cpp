@@ -143,7 +143,8 @@ private:
         // What can't be written at all is no failure of a commit, such as the length of a list that has a fixed one.
         for (std::size_t i = first; i < changed.size(); ++i)
             if (zo::H const node = document.Find(changed[i].name); node && ValueText(node) != changed[i].after)
-                problems.emplace(changedBy[i], wanted[changedBy[i]].name + " can't be edited.");
+                problems.emplace(changedBy[i],
+                                 wanted[changedBy[i]].name + " can't be set to " + changed[i].after + ".");
     }
 
     /// The problem, "" for none.

@@ -149,7 +149,7 @@ TEST_F(SetTest, ValueThatIsGivenTwiceIsRefused) {
 
 TEST_F(SetTest, LengthOfAListThatHasAFixedOneIsRefused) {
     EXPECT_EQ(Refused({"Materials[0].Anisotropy.Len", "3", "Materials[0].Cohesion", "30"}),
-              "slope: Materials[0].Anisotropy.Len can't be edited.\n");
+              "slope: Materials[0].Anisotropy.Len can't be set to 3.\n");
 }
 
 TEST_F(SetTest, EmptyTextTakesALinkAway) {
