@@ -421,6 +421,57 @@ TEST(NamesTest, PlaceholdersAreThere) {
     EXPECT_TRUE(Has<void()>(&zo::ZOParentPlaceholder::Clear));
 }
 
+// ---- Transactions
+
+using SetHandle = Handle<ZOSet>;
+using TransactionHandle = Handle<zo::ZOTransaction>;
+static_assert(std::is_base_of_v<ZOSet, zo::ZOTransaction> &&
+              std::is_base_of_v<zo::ZOTransaction, zo::ZOEmptyTransaction>);
+static_assert(std::is_constructible_v<zo::ZOTransaction, SetHandle const&, SetHandle const&, bool>);
+static_assert(std::is_constructible_v<zo::ZOEmptyTransaction, SetHandle const&, bool>);
+static_assert(!std::is_copy_constructible_v<zo::ZOTransaction>, "a copy's nodes would have two owners");
+static_assert(std::is_copy_constructible_v<zo::ZOJournal> && std::is_nothrow_move_constructible_v<zo::ZOJournal>);
+static_assert(std::is_same_v<decltype(zo::ZOJournal::Entry::name), string>);
+static_assert(std::is_same_v<decltype(zo::ZOJournal::Entry::before), wstring>);
+static_assert(std::is_same_v<decltype(zo::ZOJournal::Entry::after), wstring>);
+
+TEST(NamesTest, TransactionsAreThere) {
+    using zo::ZOEmptyTransaction;
+    using zo::ZOJournal;
+    using zo::ZOTransaction;
+    EXPECT_TRUE(Has<TransactionHandle()>(&ZOSet::CreateTransaction));
+    EXPECT_TRUE(Has<TransactionHandle()>(&ZOEmptyTransaction::CreateTransaction));
+    EXPECT_TRUE(Has<ZOSet*() const noexcept>(&ZOSet::Base));
+    EXPECT_TRUE((Has<H(ZOArray*, size_t)>(&ZOTransaction::Find)));
+    EXPECT_TRUE((Has<H(H const&, string const&)>(&ZOTransaction::Find)));
+    EXPECT_TRUE(Has<H(string const&)>(&ZOTransaction::Find));
+    EXPECT_TRUE((Has<H(string const&, int, int, int)>(&ZOTransaction::Find)));
+    EXPECT_TRUE((Has<H(ZOArray*, size_t)>(&ZOEmptyTransaction::Find)));
+    EXPECT_TRUE((Has<H(H const&, string const&)>(&ZOEmptyTransaction::Find)));
+    EXPECT_TRUE(Has<H(string const&)>(&ZOEmptyTransaction::Find));
+    EXPECT_TRUE((Has<H(string const&, int, int, int)>(&ZOEmptyTransaction::Find)));
+    EXPECT_TRUE((Has<status(string const&, H const&)>(&ZOTransaction::Insert)));
+    EXPECT_TRUE((Has<status(string const&, H const&)>(&ZOTransaction::InsertTemporary)));
+    EXPECT_TRUE((Has<status(string const&, string const&, ZOJournal*)>(&ZOTransaction::Commit)));
+    EXPECT_TRUE((
+        Has<status(string const&, string const&, string const&, string const&, ZOJournal*)>(&ZOTransaction::CommitAs)));
+    EXPECT_TRUE(Has<void()>(&ZOTransaction::Rollback));
+    EXPECT_TRUE(Has<void(string)>(&ZOJournal::Cover));
+    EXPECT_TRUE(Has<std::vector<ZOJournal::Entry> const&() const noexcept>(&ZOJournal::Entries));
+    EXPECT_TRUE(Has<bool() const noexcept>(&ZOJournal::IsEmpty));
+    EXPECT_TRUE(Has<void()>(&ZOJournal::Clear));
+    EXPECT_TRUE(Has<status(ZOSet&) const>(&ZOJournal::Undo));
+    EXPECT_TRUE(Has<status(ZOSet&) const>(&ZOJournal::Redo));
+}
+
+TEST(NamesTest, ACommitNeedsNoJournal) {
+    // The last argument has a default.
+    Handle<ZORegistry> const registry(new ZORegistry);
+    TransactionHandle const transaction = registry->CreateTransaction();
+    EXPECT_FALSE(transaction->Commit("", "").IsError());
+    EXPECT_FALSE(transaction->CommitAs("", "", "", "").IsError());
+}
+
 // ---- Aliases
 
 static_assert(std::is_base_of_v<IZO, zo::ZOAliasBase> && std::is_base_of_v<zo::ZORedirect, zo::ZOAliasBase>);
