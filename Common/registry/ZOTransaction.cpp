@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <memory>
 #include <string_view>
 #include <typeinfo>
@@ -21,18 +22,42 @@ using impl::NodeAccess;
 
 namespace {
 
-/// The component that leads from `parent` to `name`, if it is written as names of nodes are: behind a "." or in
-/// brackets. Empty for any other spelling.
+/// The component that leads from `parent` to `name`, which begins with it: behind a ".", in brackets, or both. Empty
+/// for any other spelling.
 std::string_view PlainComponent(std::string_view parent, std::string_view name) {
     if (parent.empty() || name.size() < parent.size() + 2) return {};
-    std::string_view rest = name.substr(parent.size() + 1);
-    if (name[parent.size()] == IZO::chArrayOpen) {
-        if (rest.back() != IZO::chArrayClose) return {};
-        rest.remove_suffix(1);
-    } else if (name[parent.size()] != IZO::chSeparator) {
-        return {};
+    if (parent.back() == IZO::chSeparator || parent.back() == IZO::chArrayOpen) return {};
+    std::string_view rest = name.substr(parent.size());
+    if (rest.starts_with(IZO::chSeparator)) {
+        rest.remove_prefix(1);
+        if (!rest.starts_with(IZO::chArrayOpen))
+            return rest.find_first_of(".[]") == rest.npos ? rest : std::string_view();
     }
+    if (!rest.starts_with(IZO::chArrayOpen) || !rest.ends_with(IZO::chArrayClose)) return {};
+    rest = rest.substr(1, rest.size() - 2);
     return rest.find_first_of(".[]") == rest.npos ? rest : std::string_view();
+}
+
+/// The name with its indices in their shortest form, `a[3]` for `a[03]` and `a[3 ]`. Empty if it is written so.
+std::string InShortestForm(std::string_view name) {
+    bool differs = false;
+    std::string shortest;
+    std::size_t index = 0;
+    for (std::size_t open = name.find(IZO::chArrayOpen); open != name.npos; open = name.find(IZO::chArrayOpen, open)) {
+        std::size_t const first = ++open;
+        std::size_t const close = name.find(IZO::chArrayClose, first);
+        if (close == name.npos) break;
+        if (close == first + 1) continue; // one digit needs no look
+        std::string_view const text = name.substr(first, close - first);
+        bool const isShort = text.front() != '0' && text.back() != ' ' && !(text.back() >= '\t' && text.back() <= '\r');
+        if (isShort || !path::ParseIndex(text, index)) continue;
+        shortest += name.substr(0, first);
+        shortest += std::to_string(index);
+        name.remove_prefix(close);
+        open = 0;
+        differs = true;
+    }
+    return differs ? shortest += name : std::string();
 }
 
 /// Whether `name` is an element behind the end of a staged array, which may be shorter than the source's.
@@ -52,8 +77,11 @@ public:
         std::uint64_t hash = path::emptyHash;
         for (std::size_t i = 0; i < name.size(); ++i) {
             if (name[i] == IZO::chSeparator || name[i] == IZO::chArrayOpen) {
-                if (boundaries < known.size()) known[boundaries] = {i, hash};
-                ++boundaries;
+                if (boundaries < few.size())
+                    few[boundaries] = {i, hash};
+                else
+                    more.push_back({i, hash});
+                if (++boundaries == ZOTransaction::mostComponents) return;
             }
             hash = path::Hash(hash, name[i]);
         }
@@ -64,10 +92,17 @@ public:
         return name.size() > ZOTransaction::longestName || boundaries >= ZOTransaction::mostComponents;
     }
     std::uint64_t Whole() const noexcept { return whole; }
+    /// `length` is that of the whole name, or where a boundary stands.
     std::uint64_t OfPrefix(std::size_t length) const noexcept {
-        for (std::size_t i = std::min(boundaries, known.size()); i > 0; --i)
-            if (known[i - 1].length == length) return known[i - 1].hash;
-        return path::Hash(name.substr(0, length));
+        if (length == name.size()) return whole;
+        auto const isBefore = [](Prefix const& prefix, std::size_t end) { return prefix.length < end; };
+        if (auto const at = std::lower_bound(more.begin(), more.end(), length, isBefore);
+            at != more.end() && at->length == length)
+            return at->hash;
+        auto const last = few.begin() + static_cast<std::ptrdiff_t>(std::min(boundaries, few.size()));
+        auto const at = std::lower_bound(few.begin(), last, length, isBefore);
+        assert(at != last && at->length == length);
+        return at->hash;
     }
 
 private:
@@ -78,7 +113,8 @@ private:
     std::string_view name;
     std::size_t boundaries = 0;
     std::uint64_t whole = 0;
-    std::array<Prefix, 12> known;
+    std::array<Prefix, 12> few; // names of ordinary depth take no memory
+    std::vector<Prefix> more;
 };
 
 /// The lengths of a name's prefixes, the last one in first out. Few of them take no memory.
@@ -106,11 +142,11 @@ private:
     std::size_t count = 0;
 };
 
-/// No set that `set` reads through has had a visible entry with a longer name.
-std::size_t LongestVisible(ZOSet const* set) {
-    std::size_t longest = 0;
-    for (; set; set = set->Source()) longest = std::max(longest, set->Impl()->entries.LongestVisible());
-    return longest;
+/// Whether `set`, or one that it reads through, has a visible entry of the name.
+bool IsEntered(ZOSet const* set, std::string_view name, std::uint64_t hash) {
+    for (; set; set = set->Source())
+        if (set->Impl()->entries.FirstVisible(name, hash)) return true;
+    return false;
 }
 
 } // namespace
@@ -131,8 +167,9 @@ htl::handle<ZOTransaction> ZOSet::CreateTransaction() {
 struct ZOTransaction::Step {
     std::string name;
     std::uint64_t hash = 0;
-    H parent; // staged
-    H live;   // the source's node of the parent's name, where the source is asked for its children one by one
+    std::size_t length = 0; // of the parent's name
+    H parent;               // staged
+    H live;                 // the source's node of the parent's name, where the source is a registry
     bool sourceEnded = false;
 };
 
@@ -157,13 +194,15 @@ H ZOTransaction::Find(std::string const& name) {
 
     H node;
     while (std::size_t const length = lengths.Pop()) {
+        std::string_view const reached = std::string_view(name).substr(0, length);
+        step.hash = hashes.OfPrefix(length);
         // Behind a name that leads nowhere, only what was inserted by hand can be found.
-        if (step.sourceEnded && length > LongestVisible(Source())) return {};
-        step.name.assign(name, 0, length);
-        step.hash = length == name.size() ? hashes.Whole() : hashes.OfPrefix(length);
+        if (step.sourceEnded && !step.parent && !IsEntered(Source(), reached, step.hash)) continue;
+        step.name = reached;
         if (step.parent && IsPastEnd(*step.parent, step.name)) return {};
         node = Stage_(step);
         step.parent = node;
+        step.length = length;
     }
     return node;
 }
@@ -174,19 +213,31 @@ H ZOTransaction::Stage_(Step& step) {
     std::string resolved;
     bool isHere = false; // under the name that was asked for
 
-    std::string_view const component = step.live ? PlainComponent(EntryName(*step.live), name) : std::string_view();
-    H live = component.empty() ? Source()->Find(name) : Source()->Find(step.live, std::string(component));
+    // Step by step where that is the same: a name that leads through many aliases costs each of them once.
+    H live;
+    bool isAbsent = false;
+    if (step.live) {
+        std::string_view const parent = std::string_view(name).substr(0, step.length);
+        if (std::string_view const component = PlainComponent(parent, name); !component.empty()) {
+            live = Source()->Find(step.live, std::string(component));
+            // What was entered by hand is found under the name as it is written.
+            isAbsent = !live && EntryName(*step.live) == parent && path::Join(parent, component) == name;
+        }
+    }
+    if (!live && !isAbsent) live = Source()->Find(name);
     step.live.release();
     step.sourceEnded = !live;
     if (live) {
         isHere = EntryName(*live) == name;
-        if (isHere) {
-            found = H(live->Clone());
-            if (Source()->Impl()->IsRegistryImpl()) step.live = std::move(live);
-        } else {
+        if (!isHere) {
             resolved = live->Name();
-            found = std::move(live);
+        } else {
+            // Staged apart, the value of one spelling would undo that of the other.
+            std::string const shortest = InShortestForm(name);
+            if (!shortest.empty()) found = impl::MakeAlias(shortest, this);
+            if (!found) found = H(live->Clone());
         }
+        if (Source()->Impl()->IsRegistryImpl()) step.live = std::move(live);
     } else {
         if (!step.parent) return {};
         std::string_view last = path::LastPart(std::string_view(name));
@@ -200,8 +251,8 @@ H ZOTransaction::Stage_(Step& step) {
             resolved = step.parent->Name();
             path::ExtendCanonical(resolved, last);
         }
+        if (std::string shortest = InShortestForm(resolved); !shortest.empty()) resolved = std::move(shortest);
         isHere = resolved == name;
-        if (found) step.sourceEnded = false;
     }
 
     // Reached by another name: the node of that name is staged, and this name leads there.

@@ -36,6 +36,8 @@ public:
     /// longer. Names of more than `mostComponents` components or `longestName` characters lead nowhere. The nodes above
     /// a name are staged even if it leads nowhere itself.
     ///
+    /// Raises `htl::status_exception` with `duplicate_name()` if a hidden entry has the name.
+    ///
     /// Cost: a lookup in the source for the first node that isn't staged yet; each staged node is one entry.
     H Find(std::string const& name) override;
     /// Keeps the node until `Rollback` or the end of the transaction. A name that is taken: `duplicate_name()`.
@@ -83,6 +85,7 @@ public:
     H Find(ZOArray* array, std::size_t index) override;
     H Find(H const& node, std::string const& name) override;
     /// An empty node of the type that the source has under the name; empty for a name that is not in normal form.
+    /// Raises as a transaction's does.
     H Find(std::string const& name) override;
 };
 

@@ -143,7 +143,16 @@ TEST_P(SpellingTest, LeadsToTheStagedNodeOfTheNodesOwnName) {
 INSTANTIATE_TEST_SUITE_P(Indices, SpellingTest,
                          testing::Values("Soils.[1].Cohesion", "Soils.1.Cohesion", "Soils.At(2).Cohesion",
                                          "Soils.At( 2 ).Cohesion", "Soils[1]Cohesion", "Soils]1].Cohesion",
-                                         "HZNData.Soils[1].Cohesion", "Soils..1.Cohesion", "Soils[1].Cohesion."));
+                                         "HZNData.Soils[1].Cohesion", "Soils..1.Cohesion", "Soils[1].Cohesion.",
+                                         "Soils[01].Cohesion", "Soils.[001].Cohesion", "Soils.01.Cohesion",
+                                         "Soils[1 ].Cohesion", "HZNData.Soils[01].Cohesion"));
+
+TEST_F(TransactionTest, AnEditInAnotherSpellingIsNotUndoneByAnUneditedCopy) {
+    ASSERT_TRUE(Staged("Soils[1].Cohesion")); // only read; by name behind the other one
+    Stage("Soils[01].Cohesion", 33.0);
+    EXPECT_TRUE(Succeeds(Commit()));
+    EXPECT_EQ(model.soils[1].cohesion, 33);
+}
 
 class NowhereTest : public StagingTest, public testing::WithParamInterface<char const*> {};
 
@@ -161,6 +170,33 @@ TEST_F(TransactionTest, LongNamesLeadNowhere) {
     EXPECT_FALSE(Staged(Repeated("Soils.", 1'000'000)));
     EXPECT_FALSE(Staged(Repeated(".", 1'000'000)));
     EXPECT_FALSE(Staged(std::string(10'000'000, 'a')));
+}
+
+TEST_F(TransactionTest, LongNamesLeadNowhereBesideEntriesAsLong) {
+    // Asking every set for every part of the name would take hours.
+    std::string const entered = "a" + Repeated(".aaaaaaaaaaaaaaa", ZOTransaction::mostComponents - 1);
+    ASSERT_TRUE(Succeeds(transaction->Insert(entered, H(new rows::Plain))));
+    std::string other = entered;
+    other.back() = 'b';
+    Transaction top = transaction;
+    for (int level = 0; level < 4; ++level) {
+        EXPECT_FALSE(top->Find(other)) << level;
+        EXPECT_TRUE(top->Find(entered)) << level;
+        top = top->CreateTransaction();
+    }
+}
+
+TEST_F(TransactionTest, ALongNameThroughAliasesIsStagedAndCommitted) {
+    embankment.Row("Trial.Self", H(new rows::OtherName("Trial", true)), {MetaPersistTraits::No, L"Self"},
+                   rows::StructureTraits());
+    embankment.registry->OnPostRegistration();
+    std::string const name = "Trial" + Repeated(".Self", 4000) + ".Factor";
+    Stage(name, 1.5);
+    EXPECT_EQ(TextOf(Staged("Trial.Factor")), L"1.5");
+    Transaction const nested = transaction->CreateTransaction();
+    EXPECT_EQ(TextOf(nested->Find(name)), L"1.5");
+    EXPECT_TRUE(Succeeds(Commit()));
+    EXPECT_EQ(trial.factor, 1.5);
 }
 
 TEST_F(TransactionTest, ANameMayHave4096Components) {
@@ -429,6 +465,7 @@ TEST_F(TransactionTest, ANewElementIsOneInAnySpelling) {
     EXPECT_EQ(TextOf(Staged("Soils[4].Cohesion")), L"8");
     EXPECT_EQ(TextOf(Staged("Soils.4.Cohesion")), L"8");
     EXPECT_EQ(TextOf(Staged("Soils.At(5).Cohesion")), L"8");
+    EXPECT_EQ(TextOf(Staged("Soils[04].Cohesion")), L"8");
     Stage("Soils.At(4).Cohesion", 9.0);
     EXPECT_TRUE(Succeeds(Commit()));
     ASSERT_EQ(model.soils.size(), 5u);

@@ -169,9 +169,34 @@ TEST_F(TransactionTraceTest, ThroughTheRootTheNodeIsStagedUnderItsOwnName) {
     EXPECT_EQ(Entries(), (Texts{"HZNData", "s", "@HZNData.s"}));
 }
 
-TEST_F(TransactionTraceTest, AWrittenOutIndexIsANameOfItsOwn) {
-    EXPECT_EQ(NameOf(Staged("a[03].b")), "a[03].b");
-    EXPECT_EQ(Entries(), (Texts{"a", "a[03]", "a[03].b"}));
+TEST_F(TransactionTraceTest, AWrittenOutIndexLeadsToTheElementStagedBesideIt) {
+    // The registry keeps its digits in the name; two copies of one element would undo each other in a commit.
+    H const node = Staged("a[03].b");
+    EXPECT_EQ(NameOf(node), "a[03].b");
+    EXPECT_TRUE(IsAlias(node));
+    EXPECT_EQ(Entries(), (Texts{"a", "a[3]", "@a[03]", "a[3].b", "@a[03].b"}));
+}
+
+TEST_F(TransactionTraceTest, AnEntryOfTheSourceIsFoundAsItIsWritten) {
+    H const node(new rows::Plain);
+    for (char const* const name : {"a.9", "s.extra", "s.[9]", "s[09]"}) {
+        ASSERT_TRUE(embankment::Succeeds(registry->Insert(name, node))) << name;
+        ASSERT_EQ(registry->Find(name), node) << name;
+        H const staged = Staged(name);
+        ASSERT_TRUE(staged) << name;
+        EXPECT_EQ(NameOf(staged), name);
+        EXPECT_FALSE(IsAlias(staged)) << name;
+        transaction->Rollback();
+    }
+}
+
+TEST_F(TransactionTraceTest, AnInsertedElementIsFoundInAnotherSpelling) {
+    H const element(new rows::Plain), member(new rows::Plain);
+    ASSERT_TRUE(embankment::Succeeds(transaction->Insert("s[9]", element)));
+    ASSERT_TRUE(embankment::Succeeds(transaction->Insert("s[9].b", member)));
+    H const alias = Staged("s.[9].b");
+    ASSERT_TRUE(IsAlias(alias));
+    EXPECT_EQ(dynamic_cast<zo::ZORedirect const*>(alias.get())->Redirect(), member);
 }
 
 TEST_F(TransactionTraceTest, HiddenEntriesAreCommitted) {
