@@ -18,7 +18,6 @@ namespace slope {
 namespace {
 
 constexpr std::size_t shownElements = 20;
-constexpr std::size_t greatestCount = 10'000'000;
 
 /// What every command writes to.
 struct Streams {
@@ -58,10 +57,6 @@ std::string NothingThere(Options const& options) {
            options.arguments[0] + ".";
 }
 
-std::string NoValue(zo::H const& node) {
-    return node->Name() + " has no value of its own; `slope show` lists its parts.";
-}
-
 int Show(Options const& options, Streams const& streams) {
     Document document;
     LoadReport const report = LoadWithProgress(document, options.arguments[0]);
@@ -97,6 +92,7 @@ int Set(Options const& options, Streams const& streams) {
         for (std::string const& line : report.dropped) streams.Problem(line);
         return refuse("Saving would lose what couldn't be read.");
     }
+    Warn(report, file, streams); // a file with bad values can be mended
 
     std::vector<WantedValue> wanted;
     for (std::size_t i = 1; i + 1 < options.arguments.size(); i += 2)
@@ -109,6 +105,9 @@ int Set(Options const& options, Streams const& streams) {
     for (ChangedValue const& value : changed)
         streams.out << value.name << ": " << value.before << " -> " << value.after
                     << (value.asked.empty() ? "" : " (by way of " + value.asked + ")") << '\n';
+    // Such as regions whose material went with the others. Saved all the same: the next command may mend it.
+    if (std::size_t const count = document.Problems().size(); count > report.invalid.size())
+        streams.Problem(file + " has " + Count(count, "problem", "problems") + " now; `slope check` lists them.");
     return exitOk;
 }
 
@@ -143,12 +142,12 @@ int Large(Options const& options, Streams const& streams) {
         std::string const& text = options.arguments[0];
         char const* const end = text.data() + text.size();
         auto const [stop, error] = std::from_chars(text.data(), end, count);
-        if (error != std::errc() || stop != end || count < 1 || count > greatestCount) {
-            streams.err << "slope: COUNT is a whole number from 1 to " << Count(greatestCount) << ".\n";
+        if (error != std::errc() || stop != end || count < 1 || count > mostElements) {
+            streams.err << "slope: COUNT is a whole number from 1 to " << Count(mostElements) << ".\n";
             return exitUsage;
         }
     }
-    return RunLarge(count, options.out, streams.out) ? exitOk : exitProblems;
+    return RunLarge(count, options.out, streams.out, streams.err) ? exitOk : exitProblems;
 }
 
 } // namespace

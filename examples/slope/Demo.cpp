@@ -141,6 +141,10 @@ void SayWhereFilesAre(Folder const& folder, std::ostream& out) {
     if (folder.IsTemporary()) out << "The files were temporary; --out DIR keeps them.\n";
 }
 
+void SayThatNoFolderIs(std::string const& named, std::ostream& err) {
+    err << "slope: " << (named.empty() ? "A temporary folder" : "The folder " + named) << " can't be made.\n";
+}
+
 } // namespace
 
 bool RunDemo(std::string const& dataFolder, std::string const& problem, std::string const& outFolder, std::ostream& out,
@@ -151,6 +155,7 @@ bool RunDemo(std::string const& dataFolder, std::string const& problem, std::str
             return err << "slope: " << Message(failure) << '\n', false;
 
     Folder const folder(outFolder);
+    if (!folder.IsThere()) return SayThatNoFolderIs(outFolder, err), false;
     Table summary(
         {{"Problem"}, {"Published FS", true}, {"Bytes", true}, {"Nodes", true}, {"Differing", true}, {"Result"}});
     bool good = true;
@@ -172,7 +177,9 @@ bool RunDemo(std::string const& dataFolder, std::string const& problem, std::str
     return good;
 }
 
-bool RunLarge(std::size_t count, std::string const& outFolder, std::ostream& out) {
+bool RunLarge(std::size_t count, std::string const& outFolder, std::ostream& out, std::ostream& err) {
+    Folder const folder(outFolder);
+    if (!folder.IsThere()) return SayThatNoFolderIs(outFolder, err), false;
     Project project;
     project.name = "large";
     project.title = "Aquifer of " + Count(count, "cell", "cells");
@@ -185,7 +192,6 @@ bool RunLarge(std::size_t count, std::string const& outFolder, std::ostream& out
     out << document.Content().title << ", " << Count(ActiveCells(count)) << " active\n";
     PrintTree(out, document.Root(), document.Units(), 2);
     out << '\n';
-    Folder const folder(outFolder);
     bool const same = RoundTrip(out).Run(document, folder, "large.xml");
     SayWhereFilesAre(folder, out);
     return same;

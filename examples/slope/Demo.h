@@ -15,6 +15,6 @@ bool RunDemo(std::string const& dataFolder, std::string const& problem, std::str
              std::ostream& err);
 
 /// Makes an aquifer of `count` cells, saves it, loads it into a fresh model and compares. Whether nothing changed.
-bool RunLarge(std::size_t count, std::string const& outFolder, std::ostream& out);
+bool RunLarge(std::size_t count, std::string const& outFolder, std::ostream& out, std::ostream& err);
 
 } // namespace slope

@@ -85,9 +85,15 @@ LoadReport Document::Load(std::string const& path) {
     if (report.failure.IsError()) return report;
 
     report.failure = AuditElements(path, report.dropped, report.invalid);
-    CheckValues_(registry->Root(), report.invalid);
-    for (std::string& broken : BrokenReferences(*project)) report.invalid.push_back(std::move(broken));
+    for (std::string& problem : Problems()) report.invalid.push_back(std::move(problem));
     return report;
+}
+
+std::vector<std::string> Document::Problems() {
+    std::vector<std::string> problems;
+    CheckValues_(Root(), problems);
+    for (std::string& broken : BrokenReferences(*project)) problems.push_back(std::move(broken));
+    return problems;
 }
 
 htl::handle<zo::ZOTransaction> Document::Begin() {
@@ -110,7 +116,7 @@ math::UnitSet Document::Units() const {
                                                                             : math::unitsystem::Metric);
 }
 
-void Document::CheckValues_(zo::H const& parent, std::vector<std::string>& invalid) const {
+void Document::CheckValues_(zo::H const& parent, std::vector<std::string>& invalid) {
     // Loading converts values and asks no rule, so that a file with a bad value can be opened and mended.
     for (zo::H const& node : *parent) {
         if (!node->IsValueType()) {

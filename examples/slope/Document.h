@@ -54,6 +54,10 @@ public:
     /// Loads a file into the emptied document. After a failure the document holds a part of the file at most.
     LoadReport Load(std::string const& path);
 
+    /// What is wrong with the values: those that a rule of the model refuses, and numbers that lead nowhere. A line
+    /// each.
+    std::vector<std::string> Problems();
+
     /// An empty transaction: what is found through it is staged, and its commit goes to this document.
     htl::handle<zo::ZOTransaction> Begin();
     /// Takes a commit to this document back, or does it again.
@@ -64,7 +68,7 @@ public:
     math::UnitSet Units() const;
 
 private:
-    void CheckValues_(zo::H const& parent, std::vector<std::string>& invalid) const;
+    static void CheckValues_(zo::H const& parent, std::vector<std::string>& invalid);
 
     std::shared_ptr<Project> project;
     htl::handle<zo::ZORegistry> registry;

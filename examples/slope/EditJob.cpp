@@ -152,8 +152,10 @@ bool EditJob::Say_(bool good, std::string const& line) {
 }
 
 std::string EditJob::Bytes_() {
-    if (htl::status const failure = document.Save(scratch); failure.IsError())
-        return "not saved: " + Message(failure) + std::to_string(++failures); // the same as no other
+    if (htl::status const failure = document.Save(scratch); failure.IsError()) {
+        Say_(false, "Not saved: " + Message(failure));
+        return "not saved " + std::to_string(++failures); // the same as no other
+    }
     std::string bytes;
     {
         std::ifstream file(scratch, std::ios::binary);

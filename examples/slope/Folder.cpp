@@ -16,6 +16,11 @@ Folder::Folder(std::string const& named) : path(named), temporary(named.empty())
     }
 }
 
+bool Folder::IsThere() const {
+    std::error_code error;
+    return std::filesystem::is_directory(path, error);
+}
+
 Folder::~Folder() {
     std::error_code ignored; // what can't be removed stays among the temporary files
     if (temporary && !path.empty()) std::filesystem::remove_all(path, ignored);

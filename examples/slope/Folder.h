@@ -14,6 +14,9 @@ public:
     Folder& operator=(Folder const&) = delete;
     ~Folder();
 
+    /// Whether there is such a folder now.
+    bool IsThere() const;
+
     std::string File(std::string const& name) const { return path + "/" + name; }
     /// The file as reports show it: a temporary folder is called differently each time.
     std::string Shown(std::string const& name) const { return temporary ? name : File(name); }

@@ -17,6 +17,9 @@ namespace slope {
 /// lbf/ft3. Angles are degrees in both.
 enum class UnitSystem { Metric = 1, Imperial = 2 };
 
+/// What a list of a project holds at most. More is a slip of the hand, and would take all memory before it failed.
+inline constexpr std::size_t mostElements = 10'000'000;
+
 /// A number that nobody gave.
 inline constexpr double missing = std::numeric_limits<double>::max();
 

@@ -20,12 +20,21 @@ using Components = std::vector<std::string>;
 constexpr std::string_view separators = ".[]";
 constexpr std::size_t mostRedirects = 100; // on the way to one value
 
+/// Whether a name is that of an array's length.
+bool IsLength(std::string_view name) { return name.ends_with(".Len"); }
+
+/// An index counts, however it is written: "[01]" is "[1]".
+std::string_view WithoutZeros(std::string_view component) {
+    if (component.find_first_not_of("0123456789") != component.npos) return component;
+    return component.substr(std::min(component.find_first_not_of('0'), component.size() - 1));
+}
+
 /// A length stands for its array, since it decides about all that is in there.
 Components Split(std::string_view name) {
     Components components;
     for (std::size_t at = 0; at < name.size();) {
         std::size_t const end = std::min(name.find_first_of(separators, at), name.size());
-        if (end > at) components.emplace_back(name.substr(at, end - at));
+        if (end > at) components.emplace_back(WithoutZeros(name.substr(at, end - at)));
         at = end + 1;
     }
     if (!components.empty() && components.back() == "Len") components.pop_back();
@@ -144,7 +153,7 @@ private:
         for (std::size_t i = first; i < changed.size(); ++i)
             if (zo::H const node = document.Find(changed[i].name); node && ValueText(node) != changed[i].after)
                 problems.emplace(changedBy[i],
-                                 wanted[changedBy[i]].name + " can't be set to " + changed[i].after + ".");
+                                 wanted[changedBy[i]].name + " can't be set to " + wanted[changedBy[i]].text + ".");
     }
 
     /// The problem, "" for none.
@@ -152,13 +161,18 @@ private:
         WantedValue const& value = wanted[one.index];
         if (!given.insert(one.place).second) return value.name + " is given twice.";
         zo::H const node = document.Find(one.name);
-        if (!node->IsValueType()) return one.name + " has no value of its own; `slope show` lists its parts.";
+        if (!node->IsValueType()) return NoValue(node);
         meta::MetaDataTraits const traits = node->GetDataTraits();
         if (traits && !meta::CallRule(traits.Descriptor()->editable, node.get())) return one.name + " can't be edited.";
         zo::H const staged = transaction.Find(one.name);
         if (!staged) return value.name + " can't be edited.";
         if (htl::status const refusal = staged->Set(Wide(value.text)); refusal.IsError())
             return value.name + ": " + Message(refusal);
+        if (IsLength(one.name)) {
+            __int64 length = 0;
+            if (staged->IsUndefined() || staged->Get(length).IsError() || length > static_cast<__int64>(mostElements))
+                return value.name + ": a list has a length from 0 to " + Count(mostElements) + ".";
+        }
         changedBy.push_back(one.index);
         changed.push_back(
             {one.name, ValueText(node), ValueText(staged), one.ways.size() > 1 ? value.name : std::string()});

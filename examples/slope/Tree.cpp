@@ -219,6 +219,12 @@ std::string ValueText(zo::H const& node) {
     return TextOf(*node);
 }
 
+std::string NoValue(zo::H const& node) {
+    std::string const name = node->Name();
+    if (AsArray(node)) return name + " is a list: " + name + ".Len is its length, " + name + "[0] its first element.";
+    return name + " has no value of its own; `slope show` lists its parts.";
+}
+
 std::string UnitText(zo::H const& node, math::UnitSet const& units) {
     zo::ZOArray* const array = AsArray(node);
     if (array && array->Length() && HoldsValues(*array)) return UnitText(zo::Find(array, 0), units);

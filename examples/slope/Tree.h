@@ -23,6 +23,9 @@ std::string LeadsTo(zo::H const& node);
 /// "(none)" for a link that is not set, "" for a structure, the failure's message in "<>" where a value can't be read.
 std::string ValueText(zo::H const& node);
 
+/// Why a list or a structure can't be read or written as one value, and what can.
+std::string NoValue(zo::H const& node);
+
 /// The text of the unit that a node's value is stored in; "" without one.
 std::string UnitText(zo::H const& node, math::UnitSet const& units);
 

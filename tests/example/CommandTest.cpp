@@ -46,8 +46,8 @@ TEST_F(CommandTest, GetOfAStructureSaysThatItHasNoValue) {
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_EQ(outcome.err, "slope: Materials[0] has no value of its own; `slope show` lists its parts.\n");
     EXPECT_EQ(Slope({"set", file, "Materials", "1"}).err,
-              "slope: Materials has no value of its own; `slope show` lists its parts.\nslope: " + file +
-                  " stays as it is.\n");
+              "slope: Materials is a list: Materials.Len is its length, Materials[0] its first element.\nslope: " +
+                  file + " stays as it is.\n");
 }
 
 TEST_F(CommandTest, SetSavesTheFile) {
@@ -252,6 +252,18 @@ TEST_F(CommandTest, MainJobOnOneProblemKeepsItsFileWhereItIsTold) {
     EXPECT_TRUE(Holds(outcome.out, "Saved as " + File("AT3.xml")));
     // Edited by the job: 41.65 + 2.5.
     EXPECT_EQ(Slope({"get", File("AT3.xml"), "Materials[0].Cohesion"}).out, "44.15\n");
+}
+
+TEST_F(CommandTest, FolderThatCannotBeMadeIsToldBeforeAnythingElse) {
+    example::WriteFile(File("taken"), "");
+    for (std::vector<std::string> const& words : {std::vector<std::string>{"run"}, {"large", "10"}}) {
+        std::vector<std::string> command = words;
+        command.insert(command.end(), {"--out", File("taken")});
+        Outcome const outcome = Slope(command);
+        EXPECT_EQ(outcome.exitStatus, 1);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err, "slope: The folder " + File("taken") + " can't be made.\n");
+    }
 }
 
 TEST_F(CommandTest, MainJobFailsWithoutItsTables) {

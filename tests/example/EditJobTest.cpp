@@ -113,6 +113,7 @@ TEST_F(EditTest, JobFailsWhereNothingCanBeSaved) {
     Import("AT1");
     EditJob job(document, File("absent/scratch.xml"), out);
     EXPECT_FALSE(job.TryOut());
+    EXPECT_TRUE(Holds(out.str(), "  Not saved: Cannot write " + File("absent/scratch.xml") + ": "));
 }
 
 TEST_F(EditTest, JobFailsWithoutASoil) {

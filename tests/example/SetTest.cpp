@@ -147,6 +147,50 @@ TEST_F(SetTest, ValueThatIsGivenTwiceIsRefused) {
     EXPECT_EQ(Refused({"Materials.Len", "2", "Materials.Len", "3"}), "slope: Materials.Len is given twice.\n");
 }
 
+TEST_F(SetTest, ValueThatIsGivenTwiceIsRefusedHoweverItsIndexIsWritten) {
+    EXPECT_EQ(Refused({"Materials[1].Friction", "6", "Materials[01].Friction", "7"}),
+              "slope: Materials[01].Friction is given twice.\n");
+    EXPECT_EQ(Refused({"Materials.0.Friction", "6", "Materials[000].Friction", "7"}),
+              "slope: Materials[000].Friction is given twice.\n");
+}
+
+TEST_F(SetTest, LinkComesFirstHoweverItsIndexIsWritten) {
+    EXPECT_EQ(Changed({"Regions[1].Material.Name", "Rock", "Regions[01].Material", "3"}),
+              "Regions[01].Material: 2 -> 3\n"
+              "Materials[2].Name: Layer 3 -> Rock (by way of Regions[1].Material.Name)\n");
+    EXPECT_EQ(Get("Materials[1].Name"), "Layer 2\n");
+}
+
+TEST_F(SetTest, LengthThatNoListCanHaveIsRefused) {
+    std::string const problem = "slope: Lines[0].Points.Len: a list has a length from 0 to 10,000,000.\n";
+    EXPECT_EQ(Refused({"Lines[0].Points.Len", "10000001"}), problem);
+    EXPECT_EQ(Refused({"Lines[0].Points.Len", "99999999999999999999"}), problem);
+    EXPECT_EQ(Refused({"Lines[0].Points.Len", ""}), problem);
+}
+
+TEST_F(SetTest, ListIsNoValueAndSaysWhatItsPartsAre) {
+    std::string const sentence =
+        "slope: Lines[0].Points is a list: Lines[0].Points.Len is its length, Lines[0].Points[0] its first element.\n";
+    EXPECT_EQ(Refused({"Lines[0].Points", "1,2"}), sentence);
+    EXPECT_EQ(Slope({"get", file, "Lines[0].Points"}).err, sentence);
+}
+
+TEST_F(SetTest, NumbersThatLeadNowhereAfterwardsAreToldAndSaved) {
+    Outcome const outcome = Set({"Materials.Len", "1"});
+    EXPECT_EQ(outcome.exitStatus, 0);
+    EXPECT_EQ(outcome.out, "Materials.Len: 3 -> 1\n");
+    EXPECT_EQ(outcome.err, "slope: " + file + " has 2 problems now; `slope check` lists them.\n");
+}
+
+TEST_F(SetTest, FileWithProblemsIsMendedAndTheyAreTold) {
+    example::Replace(file, "<Material>3</Material>", "<Material>4</Material>");
+    Outcome const outcome = Set({"Regions[2].Material", "3"});
+    EXPECT_EQ(outcome.exitStatus, 0);
+    EXPECT_EQ(outcome.out, "Regions[2].Material: 4 -> 3\n");
+    EXPECT_EQ(outcome.err, "slope: " + file + " has 1 problem; `slope check` lists them.\n");
+    EXPECT_EQ(Slope({"check", file}).exitStatus, 0);
+}
+
 TEST_F(SetTest, LengthOfAListThatHasAFixedOneIsRefused) {
     EXPECT_EQ(Refused({"Materials[0].Anisotropy.Len", "3", "Materials[0].Cohesion", "30"}),
               "slope: Materials[0].Anisotropy.Len can't be set to 3.\n");
