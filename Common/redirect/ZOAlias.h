@@ -10,7 +10,8 @@
 //
 // A kept source is held alive, so it also keeps the array that it is an element of from being resized, and it must be
 // dropped before the memory that it points into goes away: `ZORegistry::InvalidateMemory("")` reaches every registered
-// alias of the top level.
+// alias of the top level and every inserted one. Below other nodes each lookup hands out an alias of its own, which
+// keeps its source as long as it lives.
 #pragma once
 
 #include "Common/registry/ZORedirect.h"
@@ -22,8 +23,8 @@ namespace zo {
 /// What all aliases share: they pass on what they are asked.
 ///
 /// An alias to an alias goes to the last source, over at most 1,000 steps. Without a source, or in a circle, an alias
-/// is undefined, has no children, the length 1 of no array is 0, its traits are empty, `Verify` succeeds, `Clear` does
-/// nothing, and writes, reads, `Assign` and a resize fail with `not_found` and the redirect name.
+/// is undefined and has no children, its length is 0, its traits are empty, `Verify` succeeds, `Clear` does nothing,
+/// and writes, reads, `Assign` and a resize fail with `not_found` and the redirect name.
 class ZO_API ZOAliasBase : public IZO, public ZORedirect {
 public:
     ZOAliasBase(std::size_t regID, ZOSet* owner);

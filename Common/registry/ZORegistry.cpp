@@ -140,6 +140,11 @@ void ZORegistry::InvalidateMemory(std::string const& name) {
         if (tables.parents[id] == 0 && !listed[id]) rows.push_back(id);
     for (std::size_t const id : rows)
         if (H const node = Find(Current().subNames[id])) NodeAccess::OnInvalidateMemory(*node);
+    // What was inserted has no row. The handles are held: what a node drops may be the last one of another.
+    std::vector<H> inserted;
+    for (SetEntry const* const entry : Impl()->entryOrder)
+        if (entry && entry->visible) inserted.emplace_back(entry->node);
+    for (H const& node : inserted) NodeAccess::OnInvalidateMemory(*node);
 }
 
 H ZORegistry::Wrap(std::size_t regID, void* memory) {

@@ -55,8 +55,8 @@ public:
 
     /// Puts every branch that is available and active back to its defaults.
     void Clear();
-    /// Tells the node under `name` that client memory moved; with an empty name every top-level node. Unknown names do
-    /// nothing.
+    /// Tells the node under `name` that client memory moved; with an empty name every registered node of the top level
+    /// and every inserted one. Unknown names do nothing.
     void InvalidateMemory(std::string const& name);
     /// A view of row `regID` of the current registry over `memory`, without a name. The row's node must be a wrapper.
     H Wrap(std::size_t regID, void* memory);

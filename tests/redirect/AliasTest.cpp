@@ -270,6 +270,15 @@ TEST_F(AliasTest, InvalidatingEverythingReachesTopLevelAliases) {
     for (H const& alias : aliases) EXPECT_EQ(TextOf(alias), L"4.25");
 }
 
+TEST_F(AliasTest, InvalidatingEverythingReachesAssociatedAliases) {
+    H const alias = embankment.registry->AssociateAlias("Pool", "Level");
+    EXPECT_EQ(TextOf(alias), L"3.5");
+    level->SetObject(&south);
+    EXPECT_EQ(TextOf(alias), L"3.5");
+    embankment.registry->InvalidateMemory("");
+    EXPECT_EQ(TextOf(alias), L"4.25");
+}
+
 TEST_F(AliasTest, QuestionsOfTypeKeepNothing) {
     H const alias = zo::Find("KeptWater");
     (void)alias->GetDataTraits();
