@@ -3,6 +3,7 @@
 #include "Common/ZOUtil/NamePath.h"
 #include "Common/model/ZOArray.h"
 #include "Common/registry/RegistryImpl.h"
+#include "Common/registry/ZORedirect.h"
 #include "Common/registry/ZORegistry.h"
 #include "Common/xml/ActiveNode.h"
 #include "Common/xml/Write.h"
@@ -43,6 +44,17 @@ std::size_t AliasByTag(ZORegistryImpl const& tables, std::size_t regID, std::wst
     if (!tables.HasRow(regID)) return IZO::npos;
     std::size_t const row = tables.RowOfTag(path::Join(std::wstring_view(tables.tagNames[regID]), tag));
     return row != IZO::npos && tables.parents[row] == regID && tables.IsAlias(row) ? row : IZO::npos;
+}
+
+/// The node behind the aliases that `node` is one of; empty where they lead nowhere.
+H BehindAliases(H const& node) {
+    H at = node;
+    for (int steps = 0; steps <= zo::impl::mostRedirects; ++steps) {
+        auto const* const redirect = dynamic_cast<ZORedirect const*>(at.get());
+        if (!redirect || !redirect->IsAlias()) return at;
+        at = redirect->Redirect();
+    }
+    return {};
 }
 
 /// Names the member that the next structure view is asked for, so that it needs no search.
@@ -88,7 +100,11 @@ std::size_t ZOElemReader::AttributeRows::Find(ZORegistryImpl const& tables, std:
             return hits[i].row;
         }
     std::size_t row = tables.ChildByTag(regID, tag);
-    if (row == IZO::npos) row = AliasByTag(tables, regID, tag);
+    if (row == IZO::npos) {
+        row = AliasByTag(tables, regID, tag);
+        // One that no document holds must not let a document write elsewhere.
+        if (row != IZO::npos && tables.persistTraits[row].Type == meta::MetaPersistTraits::No) row = IZO::npos;
+    }
     // A hostile element may have attributes without number.
     constexpr std::size_t limit = 64;
     if (row != IZO::npos && hits.size() < limit) {
@@ -152,7 +168,7 @@ htl::handle<sys::file::XmlElemReader> ZOElemReader::Element_(htl::handle<ZOElemR
         if (unknownIndex != noUnknown) entry.BecomeUnknown_();
         return reader;
     }
-    entry.node = root->set->FindTag(node, elementTag);
+    entry.node = Child_(elementTag);
     if (!entry.node) {
         entry.BecomeUnknown_();
         return reader;
@@ -161,6 +177,19 @@ htl::handle<sys::file::XmlElemReader> ZOElemReader::Element_(htl::handle<ZOElemR
     if (entry.TakesPart_()) return reader;
     if (root->tagPolicy && !root->tagPolicy(entry.FullTag()).empty()) entry.BecomeUnknown_();
     return reader;
+}
+
+H ZOElemReader::Child_(std::wstring const& elementTag) const {
+    auto const& tables = root->tables;
+    H const link = tables.HasRow(node->RegID()) && tables.redirects[node->RegID()] ? BehindAliases(node) : H();
+    if (!dynamic_cast<ZORedirect const*>(link.get())) return root->set->FindTag(node, elementTag);
+    // The fields of the record behind a link are written where the record stands. A document that goes on below the
+    // link would change whichever record it led to before its number was read.
+    std::size_t const row = link->RegID();
+    if (!tables.HasRow(row)) return {};
+    std::size_t own = tables.ChildByTag(row, elementTag);
+    if (own == IZO::npos) own = AliasByTag(tables, row, elementTag);
+    return own == IZO::npos ? H() : root->set->Find(link, tables.subNames[own]);
 }
 
 bool ZOElemReader::TakesPart_() const { return node && root->Persists_(*node); }

@@ -83,6 +83,8 @@ private:
 
     void Reset_();
     void BecomeUnknown_();
+    /// The node that a child element stands for: below a link only a child of the link's own.
+    H Child_(std::wstring const& tag) const;
     bool TakesPart_() const;
     void ReadLength_(sys::file::XmlAttribute const& item);
     H SubNode_(std::wstring const& name);

@@ -158,6 +158,18 @@ TEST_F(AliasDocumentTest, AnAttributeThatIsAnAliasIsWrittenAndRead) {
     EXPECT_EQ(frame.width, 4.0);
 }
 
+TEST_F(AliasDocumentTest, AnAttributeThatIsAnAliasOutsideDocumentsIsUnknown) {
+    Frame frame{2.5};
+    rows.Add("Frame", StructPrototype(FrameTraits()), {P::Always, L"Frame", false, true}, FrameTraits(), &frame);
+    Alias("Frame.Label", L"Label", "Title", P::No);
+    rows.Finish();
+    Loaded const loaded = Import(L"<Frame Label=\"Core\"/>");
+    ASSERT_EQ(loaded.unknown.size(), 1u);
+    EXPECT_EQ(loaded.unknown[0].first, L"HZNData.Frame.Label");
+    EXPECT_EQ(loaded.unknown[0].second, L"Core");
+    EXPECT_EQ(title, L"Tailings dam");
+}
+
 TEST_F(AliasDocumentTest, ChildrenOfAnAliassSourceAreReadThroughIt) {
     AddProject(rows, project);
     Alias("Plan", L"Zone", "Project", P::Always, false);
@@ -221,6 +233,20 @@ TEST_F(AliasDocumentTest, AKeptElementOfAnArrayIsLetGoForALoad) {
     EXPECT_TRUE(IsClean(LoadText(document)));
     ASSERT_EQ(project.Points.size(), 1u);
     EXPECT_EQ(project.Points[0].X, 1.0);
+}
+
+TEST_F(AliasDocumentTest, AnElementThatAnAssociatedAliasKeepsIsLetGoForALoad) {
+    AddProject(rows, project);
+    rows.Finish();
+    project.Points = {{1, 2}};
+    std::wstring const document = Written();
+    project.Points = {{5, 6}, {7, 8}};
+    H const alias = rows.registry->AssociateAlias("First", "Project.Points[0].X");
+    ASSERT_TRUE(alias);
+    EXPECT_EQ(embankment::TextOf(alias), L"5");
+    EXPECT_TRUE(IsClean(LoadText(document)));
+    ASSERT_EQ(project.Points.size(), 1u);
+    EXPECT_EQ(embankment::TextOf(alias), L"1");
 }
 
 TEST_F(AliasDocumentTest, AKeptArrayWithinAnArrayIsLetGoForALoad) {

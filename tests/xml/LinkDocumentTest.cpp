@@ -1,13 +1,16 @@
 // Links in a document: a link is saved as its number, and the record behind it is saved where it stands.
 #include "tests/xml/Plan.h"
 
+#include "Common/redirect/ZOAlias.h"
 #include "Common/redirect/ZOLink.h"
+#include "Common/registry/ZOTransaction.h"
 
 namespace {
 
 using namespace plan;
 using embankment::ArrayPrototype;
 using embankment::StructPrototype;
+using embankment::TextOf;
 using embankment::ValuePrototype;
 using P = meta::MetaPersistTraits;
 
@@ -73,6 +76,53 @@ TEST_F(LinkDocumentTest, ALinkIsComparedByItsNumber) {
     EXPECT_FALSE(zo::AreZOsIdenticalUsingPersistance(zo::Find("Layers[0]"), zo::Find("Layers[1]")));
     layers[1].below = 2;
     EXPECT_TRUE(zo::AreZOsIdenticalUsingPersistance(zo::Find("Layers[0]"), zo::Find("Layers[1]")));
+}
+
+// ---- Documents that go on below a link, which no save makes
+
+TEST_F(LinkDocumentTest, AFieldBelowALinkIsUnknownAndNoRecordChanges) {
+    Loaded const loaded = Import(L"<Layers Len=\"3\"><Layer><Below>3<Name>Peat</Name></Below></Layer></Layers>");
+    ASSERT_EQ(loaded.unknown.size(), 1u);
+    EXPECT_EQ(loaded.unknown[0].first, L"HZNData.Layers[1].Below.Name");
+    EXPECT_EQ(loaded.unknown[0].second, L"Peat");
+    EXPECT_EQ(layers[0].below, 3);
+    EXPECT_EQ(layers[1].name, L"Clay") << "where the link led before";
+    EXPECT_EQ(layers[2].name, L"Rock") << "where it leads now";
+}
+
+TEST_F(LinkDocumentTest, AFieldBelowALinkIsUnknownInATransaction) {
+    auto const transaction = rows.registry->CreateTransaction();
+    Loaded const loaded =
+        Import(L"<Layers Len=\"3\"><Layer><Below>3<Name>Peat</Name></Below></Layer></Layers>", {}, transaction.get());
+    ASSERT_EQ(loaded.unknown.size(), 1u);
+    EXPECT_EQ(loaded.unknown[0].first, L"HZNData.Layers[1].Below.Name");
+    EXPECT_EQ(TextOf(transaction->Find("Layers[0].Below")), L"3");
+    EXPECT_EQ(TextOf(transaction->Find("Layers[1].Name")), L"Clay");
+}
+
+TEST_F(LinkDocumentTest, AFieldBelowAnAliasOfALinkIsUnknown) {
+    rows.Add("Top", H(new zo::ZOAlias("Layers[0].Below", IZO::npos, nullptr)), {P::Always, L"Top", true}, {});
+    rows.Finish();
+    Loaded const loaded = Import(L"<Top>3<Name>Peat</Name></Top>");
+    ASSERT_EQ(loaded.unknown.size(), 1u);
+    EXPECT_EQ(loaded.unknown[0].first, L"HZNData.Top.Name");
+    EXPECT_EQ(layers[0].below, 3);
+    EXPECT_EQ(layers[1].name, L"Clay");
+}
+
+TEST_F(LinkDocumentTest, AFieldOfALinksOwnIsReadEvenIfTheRecordHasOneOfTheTag) {
+    std::wstring note, title;
+    MetaDataTraits const& text = meta::AtomicTraits<std::wstring>();
+    rows.Add("Layers.[].Below.Note", ValuePrototype<std::wstring>(text), {P::Always, L"Note", true}, text, &note);
+    rows.Text("Title", L"Title", title);
+    rows.Add("Layers.[].Below.Heading", H(new zo::ZOAlias("Title", IZO::npos, nullptr)), {P::Always, L"Name", true},
+             text);
+    rows.Finish();
+    EXPECT_TRUE(IsClean(Import(L"<Layers Len=\"3\"><Layer><Below>2<Note>dry</Note><Name>Dam</Name></Below></Layer>"
+                               L"</Layers>")));
+    EXPECT_EQ(note, L"dry");
+    EXPECT_EQ(title, L"Dam");
+    EXPECT_EQ(layers[1].name, L"Clay");
 }
 
 } // namespace
