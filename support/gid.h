@@ -45,7 +45,8 @@ ZO_API bool IsFullyQualified(GGID const& record) noexcept;
 /// 16 bits are `gid`. What does not fit gives 0, never the number of another record.
 ZO_API GID PackedContainerGID(GGID const& record, GID const& gid) noexcept;
 
-/// A reference to an object inside a container record.
+/// A reference to an object inside a container record: one of its groups, or whatever else the application numbers
+/// there.
 class ZO_API ContainerRef {
 public:
     ContainerRef() noexcept = default;

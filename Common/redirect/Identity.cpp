@@ -50,7 +50,7 @@ bool IsAlias(ZORedirect const* redirect) { return redirect && redirect->IsAlias(
 /// The record that the field behind `node` refers to, as it is stored.
 GGID StoredLink(H const& node) {
     H current = node;
-    for (int steps = 0; current && steps < impl::mostRedirects; ++steps) {
+    for (int steps = 0; current && steps <= impl::mostRedirects; ++steps) {
         auto const* const redirect = dynamic_cast<ZORedirect const*>(current.get());
         if (!IsAlias(redirect)) {
             if (GID const group = LinkGroup(*current)) return {group, LacksMemory(*current) ? 0 : ReadID(*current)};
@@ -111,7 +111,7 @@ std::string Words(GGID const& id) { return std::to_string(id.group) + '_' + std:
 
 bool IsLinkField(H const& node) {
     H current = node;
-    for (int steps = 0; current && steps < impl::mostRedirects; ++steps) {
+    for (int steps = 0; current && steps <= impl::mostRedirects; ++steps) {
         if (dynamic_cast<ZOLink const*>(current.get())) return true;
         auto const* const redirect = dynamic_cast<ZORedirect const*>(current.get());
         if (!IsAlias(redirect) && LinkGroup(*current) != 0) return true;

@@ -44,7 +44,9 @@ ZO_API H GetSource(H const& node);
 ZO_API H GetSource(ZOSet* set, GGID const& id);
 /// In the current registry.
 ZO_API H GetSource(GGID const& id);
-/// The node of an object inside a container; the template is that of the type `hzn::gid::ContainerRef`.
+/// The node that a reference to something inside a record leads to, by the template that the application registered for
+/// the type `hzn::gid::ContainerRef`: that of the module kit leads to the container of the group that the reference
+/// names, or to the group's structure. Empty without a link as template, and for a reference that it knows nothing of.
 ZO_API H GetSource(ZOSet* set, hzn::gid::ContainerRef ref);
 ZO_API H GetSource(hzn::gid::ContainerRef ref);
 /// Follows a path of tags from a record's node in the current registry.

@@ -65,6 +65,15 @@ TEST_F(IdentityTest, APrototypeOfALinkFieldIsALinkField) {
     EXPECT_FALSE(zo::IsLinkField(H(zo::GetTemplate("Materials.[].Cohesion"))));
 }
 
+TEST_F(IdentityTest, ALinkFieldIsKnownThroughAThousandAliases) {
+    for (int i = 0; i < 1001; ++i)
+        AddAlias("Step" + std::to_string(i), i < 1000 ? "Step" + std::to_string(i + 1) : "Regions[0].Material");
+    EXPECT_TRUE(zo::IsLinkField("Step1"));
+    EXPECT_EQ(zo::GetLink(zo::Find("Step1"), Link::AsStored), (GGID{materialGroup, 2}));
+    EXPECT_FALSE(zo::IsLinkField("Step0")) << "that is one more";
+    EXPECT_EQ(zo::GetLink(zo::Find("Step0"), Link::AsStored), GGID());
+}
+
 TEST_F(IdentityTest, RedirectsInACircleAreNoLinkField) {
     registry.Add("North", Leading("South"), L"", rows::StructureTraits());
     registry.Add("South", Leading("North"), L"", rows::StructureTraits());
