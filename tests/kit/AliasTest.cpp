@@ -107,6 +107,19 @@ TEST_F(AliasTest, AnAliasLiesBelowAGroup) {
     EXPECT_EQ(NameOf(zo::FindTag(L"Short.Top")), "Short.Top");
 }
 
+TEST_F(AliasTest, BelowAGroupEachAliasHandedOutKeepsItsSourceForItself) {
+    Register({[](Kit& kit) {
+        kit.Group("Short", L"Short");
+        kit.Alias("Short.Strength", L"Strength", "Materials[1].Cohesion", {.kept = true});
+    }});
+    zo::H strength = zo::Find("Short.Strength");
+    EXPECT_EQ(TextOf(strength), L"25");
+    registry->InvalidateMemory("");
+    EXPECT_TRUE(FailsAs(zo::Find("Materials")->SetLength(2), zo::ZOError::array_memory_conflict()));
+    strength.release();
+    EXPECT_TRUE(Succeeds(zo::Find("Materials")->SetLength(2)));
+}
+
 TEST_F(AliasTest, AliasesThatLeadInACircleAnswerNothing) {
     Register({[](Kit& kit) {
         kit.Alias("Hen", L"Hen", "Egg");
@@ -144,6 +157,16 @@ TEST_F(AliasTest, ATransactionStagesTheSourceOfAnAlias) {
     EXPECT_EQ(materials[1].cohesion, 31);
 }
 
+TEST_F(AliasTest, ATransactionSetsALinkThroughItsAlias) {
+    Register({[](Kit& kit) { kit.Alias("First", L"First", "Regions[0].Material"); }});
+    auto const transaction = registry->CreateTransaction();
+    ASSERT_TRUE(Succeeds(zo::SetLink(transaction->Find("First"), {materialGroup, 3})));
+    EXPECT_EQ(zo::GetLink(transaction->Find("Regions[0].Material"), zo::Link::AsStored), (GGID{materialGroup, 3}));
+    EXPECT_EQ(regions[0].material, 2);
+    ASSERT_TRUE(Succeeds(transaction->Commit("", "")));
+    EXPECT_EQ(regions[0].material, 3);
+}
+
 // ---- Sets
 
 TEST_F(AliasTest, TheFieldsOfASetStandElsewhere) {
@@ -164,6 +187,22 @@ TEST_F(AliasTest, AWalkOverASetVisitsItsFieldsInOrder) {
     std::vector<std::wstring> texts;
     for (zo::ZOFwrdIterator at = zo::Find("Cover")->begin(); at.current; ++at) texts.push_back(TextOf(at.current));
     EXPECT_EQ(texts, (std::vector<std::wstring>{L"5", L"90"}));
+}
+
+TEST_F(AliasTest, ATransactionStagesTheSourcesOfASet) {
+    Register({[](Kit& kit) {
+        kit.AliasSet("Cover", L"Cover", {{"Strength", "Materials[0].Cohesion"}, {"Area", "Regions[1].Area"}});
+    }});
+    auto const transaction = registry->CreateTransaction();
+    ASSERT_TRUE(Succeeds(transaction->Find("Cover.Strength")->Set(6.0)));
+    EXPECT_EQ(TextOf(transaction->Find("Materials[0].Cohesion")), L"6");
+    EXPECT_EQ(materials[0].cohesion, 5);
+    std::vector<std::wstring> texts;
+    for (zo::ZOFwrdIterator at = transaction->Find("Cover")->begin(); at.current; ++at)
+        texts.push_back(TextOf(at.current));
+    EXPECT_EQ(texts, (std::vector<std::wstring>{L"6", L"90"}));
+    ASSERT_TRUE(Succeeds(transaction->Commit("", "")));
+    EXPECT_EQ(materials[0].cohesion, 6);
 }
 
 // ---- Below records
@@ -214,6 +253,23 @@ TEST_F(RelativeAliasTest, AnAliasLeadsDownAsWell) {
     EXPECT_EQ(TextOf("Field.Borings[1].Top"), L"3");
     ASSERT_TRUE(Succeeds(zo::Find("Field.Borings[0].Top")->Set(0.75)));
     EXPECT_EQ(field.borings[0].layers[0].thickness, 0.75);
+}
+
+TEST_F(RelativeAliasTest, InATransactionAnAliasLeadsToWhatIsStaged) {
+    auto const transaction = registry->CreateTransaction();
+    ASSERT_TRUE(Succeeds(transaction->Find("Field.Borings")->SetLength(3)));
+    ASSERT_TRUE(Succeeds(transaction->Find("Field.Borings[2].Layers")->SetLength(1)));
+    zo::H const top = transaction->Find("Field.Borings[2].Top");
+    ASSERT_TRUE(top);
+    ASSERT_TRUE(Succeeds(top->Set(0.75)));
+    ASSERT_TRUE(Succeeds(transaction->Find("Field.Borings[0].Top")->Set(0.25)));
+    EXPECT_EQ(field.borings.size(), 2u);
+    EXPECT_EQ(field.borings[0].layers[0].thickness, 0.5);
+    ASSERT_TRUE(Succeeds(transaction->Commit("", "")));
+    ASSERT_EQ(field.borings.size(), 3u);
+    ASSERT_EQ(field.borings[2].layers.size(), 1u);
+    EXPECT_EQ(field.borings[2].layers[0].thickness, 0.75);
+    EXPECT_EQ(field.borings[0].layers[0].thickness, 0.25);
 }
 
 TEST_F(RelativeAliasTest, AnAliasWithoutASourceIsUndefined) {
