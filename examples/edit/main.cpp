@@ -74,8 +74,8 @@ void LookThroughAlias() {
     Show("the second one is", zo::Find("Current.Soil.Name"));
 }
 
-// What an application keeps of an edit, so that it can be taken back.
-std::vector<zo::ZOJournal> undoStack;
+// What an application keeps of its edits, so that they can be taken back and done again.
+std::vector<zo::ZOJournal> undoStack, redoStack;
 
 htl::status AddSoil(std::wstring const& name) {
     htl::handle<zo::ZOTransaction> const edit = zo::ZORegistry::Instance()->CreateTransaction();
@@ -84,7 +84,22 @@ htl::status AddSoil(std::wstring const& name) {
     if (htl::status failure = soils->SetLength(index + 1); failure.IsError()) return failure;
     zo::H const added = edit->Find("Project.Soils[$1].Name", static_cast<int>(index));
     if (htl::status failure = added->Set(name); failure.IsError()) return failure;
+    redoStack.clear(); // what was taken back before led elsewhere
     return edit->Commit("", "", &undoStack.emplace_back());
+}
+
+htl::status UndoLast() {
+    if (htl::status failure = undoStack.back().Undo(*zo::ZORegistry::Instance()); failure.IsError()) return failure;
+    redoStack.push_back(std::move(undoStack.back()));
+    undoStack.pop_back();
+    return {};
+}
+
+htl::status RedoLast() {
+    if (htl::status failure = redoStack.back().Redo(*zo::ZORegistry::Instance()); failure.IsError()) return failure;
+    undoStack.push_back(std::move(redoStack.back()));
+    redoStack.pop_back();
+    return {};
 }
 
 htl::status EnterInPounds(double cohesion) {
@@ -112,9 +127,9 @@ int main() {
     LookThroughAlias();
     Report("add a soil", AddSoil(L"Gravel"));
     Show("soils", zo::Find("Project.Soils.Len"));
-    Report("undo", undoStack.back().Undo(*zo::ZORegistry::Instance()));
+    Report("undo", UndoLast());
     Show("soils", zo::Find("Project.Soils.Len"));
-    Report("redo", undoStack.back().Redo(*zo::ZORegistry::Instance()));
+    Report("redo", RedoLast());
     Show("the last one", zo::Find("Project.Soils[2].Name"));
     Report("enter 500 psf", EnterInPounds(500));
     Show("cohesion", zo::Find("Project.Soils[0].Cohesion"));
