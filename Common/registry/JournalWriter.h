@@ -1,10 +1,13 @@
 // Fills a journal while a commit runs.
 #pragma once
 
+#include "Common/registry/RegistryImpl.h"
 #include "Common/registry/ZOJournal.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -44,6 +47,7 @@ private:
     ZOJournal& journal;
     ZOSet& base;
     std::vector<Covered> covered;
+    std::unordered_set<std::string, PathHash, std::equal_to<>> coveredNames;
     std::vector<Entry> lost; // elements that were cut off, as they stood
     Entry open;
     bool isOpen = false;

@@ -208,14 +208,28 @@ JournalWriter::JournalWriter(ZOJournal& journal, ZOSet& base) : journal(journal)
 void JournalWriter::CoverWhole(std::string_view name) {
     if (IsCovered_(name)) return;
     Covered whole{std::string(name), {}};
-    H const node = base.Find(whole.name);
+    H node = base.Find(whole.name);
+    // What an alias leads to now: behind the commit it may lead elsewhere.
+    for (int left = impl::mostRedirects; node && left > 0; --left) {
+        auto const* const redirect = dynamic_cast<ZORedirect const*>(node.get());
+        if (!redirect || !redirect->IsAlias()) break;
+        node = redirect->Redirect();
+        if (!node || node->Name().empty()) break;
+        whole.name = node->Name();
+        if (IsCovered_(whole.name)) return;
+    }
     TakeTexts(node, node && !node->Name().empty() ? node->Name() : whole.name, whole.before);
+    coveredNames.insert(whole.name);
     covered.push_back(std::move(whole));
 }
 
 bool JournalWriter::IsCovered_(std::string_view name) const {
-    return std::any_of(covered.begin(), covered.end(),
-                       [name](Covered const& whole) { return impl::IsWithin(name, whole.name); });
+    if (coveredNames.empty()) return false;
+    for (std::size_t end = 0; end < name.size(); ++end)
+        if ((name[end] == IZO::chSeparator || name[end] == IZO::chArrayOpen) &&
+            coveredNames.contains(name.substr(0, end)))
+            return true;
+    return coveredNames.contains(name);
 }
 
 void JournalWriter::Before(std::string const& name, IZO const& staged, H const& target) {

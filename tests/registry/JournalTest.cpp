@@ -578,6 +578,33 @@ TEST_F(SwitchTest, WhatASetterChangesIsRecordedWhereItIsCovered) {
     EXPECT_EQ(Document(), before);
 }
 
+TEST_F(SwitchTest, AnAliasCoversWhatItLedToBeforeTheCommit) {
+    AddSwitch("Doubled");
+    ASSERT_TRUE(embankment.registry->AssociateAlias("Current", "Soils[0]"));
+    ASSERT_TRUE(embankment.registry->AssociateAlias("Chosen", "Current"));
+    embankment.registry->InvalidateMemory("Current");
+    embankment.registry->InvalidateMemory("Chosen");
+    wet.write = [this](bool) { model.soils[0].cohesion *= 2; };
+    std::wstring const before = Document();
+    journal.Cover("Chosen");
+    Stage("Doubled", false);
+    ASSERT_TRUE(Succeeds(CommitTo(journal)));
+    EXPECT_EQ(EntryOf("Soils[0].Cohesion"), Value("Soils[0].Cohesion", L"25", L"50"));
+    wet.write = [](bool) {};
+    ASSERT_TRUE(Succeeds(Undo()));
+    EXPECT_EQ(Document(), before);
+}
+
+TEST_F(JournalTest, AnAliasToNothingCoversNothing) {
+    ASSERT_TRUE(Succeeds(embankment.registry->Insert("Lost", H(new rows::OtherName("Tunnels", true)))));
+    ASSERT_TRUE(Succeeds(embankment.registry->Insert("Round", H(new rows::OtherName("Round", true)))));
+    journal.Cover("Lost");
+    journal.Cover("Round");
+    Stage("Soils[0].Cohesion", 40.0);
+    ExpectUndoAndRedo();
+    EXPECT_EQ(Names(), std::vector<std::string>{"Soils[0].Cohesion"});
+}
+
 TEST_F(JournalTest, CoveringEverythingChangesNothingElse) {
     journal.Cover("HZNData");
     journal.Cover("Soils");
