@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <optional>
+#include <thread>
 #include <utility>
 
 namespace staging {
@@ -273,6 +274,46 @@ TEST_F(RegistryEndTest, AnotherRegistryMayBeCurrentWhileATransactionEnds) {
     transaction->Rollback();
     transaction.release();
     EXPECT_TRUE(HasNoOwner(staged));
+}
+
+// --- threads ---
+
+/// Edits a site of its own in a registry of its own, again and again.
+void EditOnThisThread(int rounds, double& result) {
+    double depth = 0;
+    std::vector<double> samples;
+    {
+        rows::OwnRegistry own;
+        own.Add("Depth", embankment::ValuePrototype<double>(NumberTraits()), L"Depth", NumberTraits(), &depth);
+        own.Add("Samples", embankment::ArrayPrototype(NumbersTraits()), L"Samples", NumbersTraits(), &samples);
+        own.Add("Samples.[]", embankment::ValuePrototype<double>(NumberTraits()), L"", NumberTraits());
+        own->OnPostRegistration();
+        for (int i = 1; i <= rounds; ++i) {
+            Transaction const outer = own->CreateTransaction();
+            Transaction const inner = outer->CreateTransaction();
+            zo::ZOJournal journal;
+            EXPECT_TRUE(Succeeds(inner->Find("Depth")->Set(static_cast<double>(i))));
+            EXPECT_TRUE(Succeeds(inner->Find("Samples")->SetLength(static_cast<std::size_t>(i % 7) + 1)));
+            EXPECT_TRUE(Succeeds(inner->Find("Samples.At(1)")->Set(0.5)));
+            EXPECT_TRUE(FailsAs(inner->Insert("Depth", H(new rows::Plain)), ZOError::duplicate_name()));
+            EXPECT_TRUE(Succeeds(inner->Commit("", "")));
+            EXPECT_TRUE(Succeeds(outer->Commit("", "", &journal)));
+            EXPECT_TRUE(Succeeds(journal.Undo(*own)));
+            EXPECT_EQ(depth, i - 1);
+            EXPECT_TRUE(Succeeds(journal.Redo(*own)));
+        }
+    }
+    EXPECT_EQ(samples.size(), static_cast<std::size_t>(rounds % 7) + 1);
+    result = depth;
+}
+
+TEST(TransactionThreadTest, ThreadsWithARegistryEachEditSideBySide) {
+    double first = 0, second = 0;
+    std::thread other([&second] { EditOnThisThread(300, second); });
+    EditOnThisThread(300, first);
+    other.join();
+    EXPECT_EQ(first, 300);
+    EXPECT_EQ(second, 300);
 }
 
 // --- arrays that are resized while views of their elements live ---

@@ -1,6 +1,10 @@
 // Staging, committing and taking back, as an application does it.
 #include "tests/registry/Staging.h"
 
+#include <functional>
+#include <random>
+#include <set>
+
 namespace staging {
 namespace {
 
@@ -738,6 +742,218 @@ TEST_F(TransactionTest, APinnedTransactionOutlivesItsHandles) {
     EXPECT_EQ(model.soils[0].cohesion, 40);
 }
 
+// --- commits in which an assignment reaches back ---
+
+/// A value whose writing does something else first.
+struct Reaching {
+    std::function<void()> act;
+    double value = 0;
+};
+struct ReachingValue {
+    Reaching* object;
+
+    double GetData(IZO const*) const { return object->value; }
+    htl::status SetData(IZO*, double const& value) const {
+        object->value = value;
+        if (object->act) object->act();
+        return {};
+    }
+};
+
+class ReachingTest : public StagingTest {
+protected:
+    ReachingTest() {
+        embankment.Row("Reach",
+                       H(new zo::ZOAtomicCustom<ReachingValue, zo::ZOAccessDataVMT<double>>(
+                           IZO::npos, nullptr, NumberTraits(), ReachingValue{&reaching})),
+                       {MetaPersistTraits::No, L"Reach"}, NumberTraits());
+        embankment.registry->OnPostRegistration();
+        Stage("Level", 1.0); // by name before the one that reaches back
+        Stage("Reach", 2.0);
+        Stage("Soils[0].Cohesion", 40.0); // and behind it
+    }
+    ~ReachingTest() override { reaching.act = nullptr; }
+
+    void ExpectAllIsCommitted() const {
+        EXPECT_EQ(level.value, 1);
+        EXPECT_EQ(reaching.value, 2);
+        EXPECT_EQ(model.soils[0].cohesion, 40);
+    }
+
+    Reaching reaching;
+};
+
+TEST_F(ReachingTest, ARollbackWithinACommitEndsTheEntriesAndNotTheCommit) {
+    H const held = Staged("Soils[0].Cohesion");
+    reaching.act = [this] { transaction->Rollback(); };
+    EXPECT_TRUE(Succeeds(Commit()));
+    ExpectAllIsCommitted();
+    EXPECT_EQ(held->Owner(), nullptr);
+    EXPECT_EQ(held->RefCount(), 1);
+    EXPECT_TRUE(transaction->Impl()->entryOrder.empty());
+}
+
+TEST_F(ReachingTest, ATransactionThatIsDroppedWithinItsCommitIsCommitted) {
+    reaching.act = [this] { transaction.release(); };
+    ZOTransaction* const raw = transaction.get();
+    EXPECT_TRUE(Succeeds(raw->Commit("", "")));
+    ExpectAllIsCommitted();
+}
+
+TEST_F(ReachingTest, ATransactionThatIsDroppedWithItsJournalIsCommittedAndUndone) {
+    reaching.act = [this] { transaction.release(); };
+    std::wstring const before = Document();
+    zo::ZOJournal journal;
+    ZOTransaction* const raw = transaction.get();
+    EXPECT_TRUE(Succeeds(raw->Commit("", "", &journal)));
+    ExpectAllIsCommitted();
+    reaching.act = nullptr;
+    EXPECT_TRUE(Succeeds(journal.Undo(*embankment.registry)));
+    EXPECT_EQ(Document(), before);
+    EXPECT_EQ(level.value, 0);
+}
+
+TEST_F(ReachingTest, ATransactionThatIsDroppedWithinACommitToAnotherPlaceIsCommitted) {
+    Stage("Trial.Factor", 1.3);
+    H const reach(new zo::ZOAtomicData<double>(IZO::npos, nullptr, NumberTraits(), 5));
+    ASSERT_TRUE(Succeeds(transaction->Insert("Draft.Reach", reach)));
+    ASSERT_TRUE(Succeeds(transaction->Insert("Draft", H(new rows::Plain))));
+    reaching.act = [this] { transaction.release(); };
+    ZOTransaction* const raw = transaction.get();
+    EXPECT_TRUE(Succeeds(raw->CommitAs("Draft", "HZNData", "", "")));
+    EXPECT_EQ(reaching.value, 5);
+    EXPECT_EQ(reach->RefCount(), 1);
+}
+
+TEST_F(ReachingTest, WhatIsStagedWithinACommitWaitsForTheNext) {
+    reaching.act = [this] {
+        if (Staged("Soils[1].Cohesion")->OwnerID() == IZO::npos) return;
+        (void)Staged("Soils[1].Cohesion")->Set(7.0);
+        (void)transaction->Insert("Note", H(new rows::Plain));
+        for (int i = 0; i < 1000; ++i) (void)transaction->InsertTemporary("Note", H(new rows::Plain));
+    };
+    EXPECT_TRUE(Succeeds(Commit()));
+    ExpectAllIsCommitted();
+    EXPECT_EQ(model.soils[1].cohesion, 0);
+    reaching.act = nullptr;
+    EXPECT_TRUE(Succeeds(Commit()));
+    EXPECT_EQ(model.soils[1].cohesion, 7);
+}
+
+TEST_F(ReachingTest, ACommitMayCommitAnotherTransaction) {
+    Transaction const inner = embankment.registry->CreateTransaction();
+    ASSERT_TRUE(Succeeds(inner->Find("Soils[1].Cohesion")->Set(7.0)));
+    ASSERT_TRUE(Succeeds(inner->Find("Soils")->SetLength(5)));
+    zo::ZOJournal innerJournal, journal;
+    reaching.act = [&] { EXPECT_TRUE(Succeeds(inner->Commit("", "", &innerJournal))); };
+    EXPECT_TRUE(Succeeds(transaction->Commit("", "", &journal)));
+    // The outer one has staged the soils, too, and their length is assigned behind the inner commit.
+    EXPECT_EQ(model.soils.size(), 3u);
+    EXPECT_EQ(model.soils[1].cohesion, 7);
+    ExpectAllIsCommitted();
+    EXPECT_EQ(innerJournal.Entries().size(), 2u);
+}
+
+TEST_F(ReachingTest, AnExceptionOfASetterEndsTheCommitAndNothingElse) {
+    struct Refusal {};
+    H const held = Staged("Soils[0].Cohesion");
+    reaching.act = [] { throw Refusal(); };
+    zo::ZOJournal journal;
+    EXPECT_THROW((void)transaction->Commit("", "", &journal), Refusal);
+    EXPECT_EQ(level.value, 1);
+    EXPECT_EQ(model.soils[0].cohesion, 25);
+    EXPECT_EQ(held->RefCount(), 2) << "the transaction's and this one";
+    reaching.act = nullptr;
+    EXPECT_TRUE(Succeeds(Commit()));
+    ExpectAllIsCommitted();
+}
+
+// --- the order of a commit ---
+
+/// Notes what is assigned to it.
+class Recorder : public IZO {
+public:
+    Recorder(std::string label, std::vector<std::string>& order)
+        : IZO(npos, nullptr, npos), label(std::move(label)), order(order) {}
+    IZO* Clone() override { return new Recorder(label, order); }
+    htl::status Assign(H const&) override {
+        order.push_back(label);
+        return {};
+    }
+
+private:
+    std::string label;
+    std::vector<std::string>& order;
+};
+
+class OrderTest : public StagingTest {
+protected:
+    OrderTest()
+        : draft(new ZOTransaction(htl::handle<zo::ZOSet>(embankment.registry), htl::handle<zo::ZOSet>(transaction),
+                                  false)) {}
+    ~OrderTest() override { draft.release(); }
+
+    /// In the order in which the names are entered, which is the reverse of the one that is expected.
+    std::vector<std::string> OrderOf(std::vector<std::string> const& expected) {
+        std::vector<std::string> order;
+        for (auto name = expected.rbegin(); name != expected.rend(); ++name) {
+            EXPECT_TRUE(Succeeds(transaction->Insert(*name, H(new Recorder(*name, order)))));
+            EXPECT_TRUE(Succeeds(draft->Insert(*name, H(new rows::Plain))));
+        }
+        EXPECT_TRUE(Succeeds(draft->Commit("", "")));
+        transaction->Rollback();
+        return order;
+    }
+
+    Transaction draft; // commits to the fixture's
+};
+
+TEST_F(OrderTest, NamesAreInTheOrderOfTheirBytes) {
+    std::vector<std::string> const expected{"A",    "A-B", "A.B",  "AA",       "A[0]", "A[10]",
+                                            "A[2]", "a",   "\x7F", "\xC3\xA9", "\xFF"};
+    EXPECT_EQ(OrderOf(expected), expected);
+}
+
+TEST_F(OrderTest, ANameComesBeforeThoseThatGoOn) {
+    // Of lengths around the pieces of 8 bytes in which names are compared.
+    std::vector<std::string> expected;
+    for (std::size_t length = 1; length <= 40; ++length) expected.push_back(std::string(length, 'a'));
+    EXPECT_EQ(OrderOf(expected), expected);
+}
+
+TEST_F(OrderTest, ZeroBytesAreBytes) {
+    std::vector<std::string> expected;
+    for (std::size_t zeros = 0; zeros <= 20; ++zeros) expected.push_back("abcdefgh" + std::string(zeros, '\0'));
+    expected.push_back(std::string("abcdefgh\0\0\1", 11));
+    expected.push_back(std::string("abcdefgh\0\1", 10));
+    expected.push_back(std::string("abcdefgh\1", 9));
+    EXPECT_EQ(OrderOf(expected), expected);
+}
+
+TEST_F(OrderTest, ManyNamesThatDifferLateAreInOrder) {
+    std::mt19937 random(5);
+    std::set<std::string> names;
+    while (names.size() < 3000) {
+        std::string name = "Project.Sections[12].Layers";
+        for (std::size_t i = random() % 14; i > 0; --i) name += std::string("\0.[09a\xFF", 7)[random() % 7];
+        names.insert(name + "x");
+    }
+    std::vector<std::string> const expected(names.begin(), names.end());
+    EXPECT_EQ(OrderOf(expected), expected);
+}
+
+TEST_F(OrderTest, EntriesOfOneNameAreInTheOrderOfTheirPlaces) {
+    // The target takes the last one.
+    std::vector<H> nodes;
+    for (int i = 0; i < 2000; ++i) {
+        nodes.emplace_back(new zo::ZOAtomicData<double>(IZO::npos, nullptr, NumberTraits(), i));
+        ASSERT_TRUE(Succeeds(transaction->InsertTemporary("Level", nodes.back())));
+    }
+    EXPECT_TRUE(Succeeds(Commit()));
+    EXPECT_EQ(level.value, 1999);
+    EXPECT_EQ(level.writes, 1999) << "the first one is the value that is there";
+}
+
 // --- transactions on transactions ---
 
 TEST_F(TransactionTest, ANestedTransactionCommitsToTheOneBelow) {
@@ -1110,6 +1326,27 @@ TEST_F(CommitAsTest, RedirectsInACircleOrToNothingAreSuccess) {
     EXPECT_TRUE(Succeeds(CommitAs("Best", "Final")));
     EXPECT_TRUE(Succeeds(CommitAs("Lost", "Final")));
     EXPECT_EQ(finalTrial.factor, 1);
+}
+
+TEST_F(CommitAsTest, APlaceWithinTheOneItComesFromGetsWhatWasStaged) {
+    // Nothing that is assigned is assigned on.
+    model.regions = {{1, {5, 6}}, {2, {7, 8, 9}}};
+    Stage("Regions[0].Points[0]", 4);
+    Stage("Regions[1].Points[0]", 3);
+    EXPECT_TRUE(Succeeds(CommitAs("Regions", "Regions[0].Points")));
+    EXPECT_EQ(model.regions[0].points, (std::vector<int>{5, 6})) << "numbers have no elements";
+    EXPECT_TRUE(Succeeds(CommitAs("Regions[0].Points", "Regions[0].Points[1]")));
+    EXPECT_EQ(model.regions[0].points, (std::vector<int>{5, 6}));
+    EXPECT_TRUE(Succeeds(CommitAs("Regions[0].Points[0]", "Regions[0].Points[1]")));
+    EXPECT_EQ(model.regions[0].points, (std::vector<int>{5, 4}));
+}
+
+TEST_F(CommitAsTest, ThePlaceItselfIsCommittedInPlace) {
+    Stage("Trial.Factor", 1.3);
+    Stage("TrialNote", 9.0);
+    EXPECT_TRUE(Succeeds(CommitAs("Trial", "Trial")));
+    EXPECT_EQ(trial.factor, 1.3);
+    EXPECT_EQ(trialNote, 0);
 }
 
 TEST_F(CommitAsTest, AliasesUnderThePlaceAreAssigned) {

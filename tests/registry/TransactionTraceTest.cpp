@@ -218,6 +218,34 @@ TEST_F(TransactionTraceTest, AHiddenEntryMakesItsNameTaken) {
     }
 }
 
+TEST_F(TransactionTraceTest, WhatASetBelowRaisesLeavesBothSetsWhole) {
+    Transaction const nested = transaction->CreateTransaction();
+    H hidden(new rows::Plain);
+    transaction->Impl()->Enter(transaction.get(), "s.b", hidden.get(), false, false);
+    EXPECT_THROW((void)nested->Find("s.b"), htl::status_exception);
+    EXPECT_EQ(NameOf(nested->Find("s")), "s") << "staged on the way";
+    hidden.release();
+    H const node = nested->Find("s.b");
+    ASSERT_TRUE(node);
+    ASSERT_TRUE(embankment::Succeeds(node->Set(8.0)));
+    EXPECT_TRUE(embankment::Succeeds(nested->Commit("", "")));
+    EXPECT_TRUE(embankment::Succeeds(transaction->Commit("", "")));
+    EXPECT_EQ(single.b, 8);
+}
+
+TEST_F(TransactionTraceTest, ManyHiddenEntriesOfOneNameAreCommittedInTheirOrder) {
+    std::vector<H> nodes;
+    for (int i = 0; i < 100'000; ++i) {
+        nodes.emplace_back(new zo::ZOAtomicData<double>(IZO::npos, nullptr, meta::AtomicTraits<double>(), i));
+        transaction->Impl()->Enter(transaction.get(), "s.b", nodes.back().get(), false, false);
+    }
+    EXPECT_TRUE(embankment::Succeeds(transaction->Commit("", "")));
+    EXPECT_EQ(single.b, 99'999);
+    transaction->Rollback();
+    EXPECT_EQ(nodes.front()->RefCount(), 1);
+    EXPECT_EQ(nodes.front()->Owner(), nullptr);
+}
+
 TEST_F(TransactionTraceTest, AHiddenEntryDoesNotKeepItsNode) {
     {
         H const hidden(new rows::Plain);
