@@ -145,7 +145,7 @@ TEST_F(LinkTest, FileFromBeforeThereWereLinksIsLoaded) {
     EXPECT_EQ(Value(document, "Regions[1].Material.Name"), "Clay");
 }
 
-TEST_F(LinkTest, WaterThatGoesLeavesNothingBehindAnAlias) {
+TEST_F(LinkTest, AliasLeadsOnWhereItLedAfterTheWaterIsGone) {
     Import("AT3");
     document.Content().currentAnalysis = 1;
     zo::H const alias = document.Find("CurrentAnalysis");
