@@ -34,8 +34,46 @@ Entry::Kind KindOf(ZOArray const& array) {
     return impl::LevelsBelowKeys(array.RegID()) == 0 ? Entry::Keyed : Entry::Length;
 }
 
-/// The texts of everything under a node, parents before their children. `names` of the entries are those of the walk.
-void TakeTexts(H const& node, std::string const& name, std::vector<Entry>& texts) {
+std::string ElementName(std::string const& array, std::size_t index) {
+    return array + IZO::chArrayOpen + std::to_string(index) + IZO::chArrayClose;
+}
+
+/// The elements of an array from `from` on that may hold anything of their own, in ascending order.
+///
+/// In a registry these are all. In a transaction an array takes any length without having elements: those that nobody
+/// staged and no set below has are as new, and there may be more of them than anybody can look at.
+std::vector<std::size_t> Elements(ZOSet& set, std::string const& array, std::size_t from, std::size_t length) {
+    ZOSet* last = &set;
+    std::size_t most = 0;
+    for (; last->Source(); last = last->Source()) most += last->Impl()->entryOrder.size();
+    std::size_t below = length;
+    if (last != &set) {
+        H const live = last->Find(array);
+        below = std::min(length, live ? live->Length() : 0);
+        if (length - from <= most + below) below = length;
+    }
+    std::vector<std::size_t> elements;
+    for (std::size_t i = from; i < below; ++i) elements.push_back(i);
+    if (below == length) return elements;
+
+    std::string const start = array + IZO::chArrayOpen;
+    for (ZOSet* at = &set; at != last; at = at->Source())
+        for (SetEntry const* const entry : at->Impl()->entryOrder) {
+            if (!entry || !entry->name.starts_with(start)) continue;
+            std::string_view const rest = std::string_view(entry->name).substr(start.size());
+            std::size_t index = 0;
+            if (path::ParseIndex(rest.substr(0, rest.find(IZO::chArrayClose)), index) && index >= from &&
+                index >= below && index < length)
+                elements.push_back(index);
+        }
+    std::sort(elements.begin(), elements.end());
+    elements.erase(std::unique(elements.begin(), elements.end()), elements.end());
+    return elements;
+}
+
+/// The texts of everything under a node of `set`, parents before their children. The names are those of
+/// the walk.
+void TakeTexts(ZOSet& set, H const& node, std::string const& name, std::vector<Entry>& texts) {
     if (!node) return;
     // What an alias or a link leads to has a place of its own.
     auto const* const redirect = dynamic_cast<ZORedirect const*>(node.get());
@@ -51,8 +89,15 @@ void TakeTexts(H const& node, std::string const& name, std::vector<Entry>& texts
         entry.kind = KindOf(*array);
         entry.before = std::to_wstring(array->Length());
         texts.push_back(std::move(entry));
+        if (set.Source()) {
+            for (std::size_t const index : Elements(set, name, 0, array->Length())) {
+                std::string const element = ElementName(name, index);
+                TakeTexts(set, set.Find(element), element, texts);
+            }
+            return;
+        }
     }
-    for (ZOFwrdIterator at = node->begin(); at.current; ++at) TakeTexts(at.current, at.current->Name(), texts);
+    for (ZOFwrdIterator at = node->begin(); at.current; ++at) TakeTexts(set, at.current, at.current->Name(), texts);
 }
 
 bool IsChange(Entry const& entry) { return entry.before != entry.after || entry.existedBefore != entry.existsAfter; }
@@ -218,7 +263,7 @@ void JournalWriter::CoverWhole(std::string_view name) {
         whole.name = node->Name();
         if (IsCovered_(whole.name)) return;
     }
-    TakeTexts(node, node && !node->Name().empty() ? node->Name() : whole.name, whole.before);
+    TakeTexts(base, node, node && !node->Name().empty() ? node->Name() : whole.name, whole.before);
     coveredNames.insert(whole.name);
     covered.push_back(std::move(whole));
 }
@@ -269,9 +314,9 @@ void JournalWriter::After(H const& target) {
 }
 
 void JournalWriter::Lose_(std::string const& array, std::size_t from, std::size_t length) {
-    for (std::size_t i = from; i < length; ++i) {
-        std::string const name = array + "[" + std::to_string(i) + "]";
-        TakeTexts(base.Find(name), name, lost);
+    for (std::size_t const index : Elements(base, array, from, length)) {
+        std::string const name = ElementName(array, index);
+        TakeTexts(base, base.Find(name), name, lost);
     }
 }
 
@@ -279,7 +324,7 @@ void JournalWriter::Compare_(Covered& whole) {
     auto const byName = [](Entry const& a, Entry const& b) { return impl::ComesBefore(a.name, b.name); };
     std::vector<Entry> after;
     H const node = base.Find(whole.name);
-    TakeTexts(node, node && !node->Name().empty() ? node->Name() : whole.name, after);
+    TakeTexts(base, node, node && !node->Name().empty() ? node->Name() : whole.name, after);
     std::stable_sort(whole.before.begin(), whole.before.end(), byName);
     std::stable_sort(after.begin(), after.end(), byName);
 

@@ -703,6 +703,34 @@ TEST_F(JournalTest, AJournalOfANestedCommitIsTakenBackThere) {
     EXPECT_EQ(model.soils[0].cohesion, 41);
 }
 
+TEST_F(JournalTest, ANestedCommitThatShortensAnEndlessArrayEndsAndGoesBackAndForth) {
+    // A staged array takes any length; only what was staged in it has values.
+    constexpr std::size_t endless = 1'000'000'000'000'000;
+    std::string const far = "Regions[" + std::to_string(endless - 1) + "].Points";
+    for (bool const covers : {false, true}) {
+        transaction->Rollback();
+        StageLength("Regions", endless);
+        StageLength(far, endless);
+        Stage(far + "[77]", 7);
+        Transaction const nested = transaction->CreateTransaction();
+        ASSERT_TRUE(Succeeds(nested->Find("Regions")->SetLength(1)));
+        ZOJournal kept;
+        if (covers) kept.Cover("Regions");
+        ASSERT_TRUE(Succeeds(nested->Commit("", "", &kept)));
+        EXPECT_EQ(Staged("Regions")->Length(), 1u);
+        EXPECT_EQ(kept.Entries().front(), Length("Regions", std::to_wstring(endless), L"1"));
+        ASSERT_TRUE(Succeeds(Staged(far)->SetLength(0)));
+        ASSERT_TRUE(Succeeds(Staged(far + "[77]")->Set(0)));
+        ASSERT_TRUE(Succeeds(kept.Undo(*transaction)));
+        EXPECT_EQ(Staged("Regions")->Length(), endless);
+        EXPECT_EQ(Staged(far)->Length(), endless);
+        EXPECT_EQ(TextOf(Staged(far + "[77]")), L"7");
+        EXPECT_EQ(TextOf(Staged("Regions[1].Points[0]")), L"1");
+        ASSERT_TRUE(Succeeds(kept.Redo(*transaction)));
+        EXPECT_EQ(Staged("Regions")->Length(), 1u);
+    }
+}
+
 // --- many commits ---
 
 TEST_F(JournalTest, CommitsAreTakenBackInReverseOrder) {
