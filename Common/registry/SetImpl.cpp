@@ -75,8 +75,10 @@ void EntryTable::InsertNew(SetEntry* entry, std::uint64_t hash) {
 }
 
 void EntryTable::Forget() noexcept {
+    // One large transaction must not make every small one after it clear as many buckets.
+    if (hashed * 64 < buckets.size()) buckets.resize(8);
     std::fill(buckets.begin(), buckets.end(), nullptr);
-    size = hashed = visible = 0;
+    size = hashed = visible = longestVisible = 0;
     waiting = nullptr;
 }
 

@@ -59,7 +59,7 @@ public:
     /// The first visible entry under the name, or null.
     SetEntry* FirstVisible(std::string_view name) const noexcept;
     SetEntry* FirstVisible(std::string_view name, std::uint64_t hash) const noexcept;
-    /// No visible entry has had a longer name.
+    /// No visible entry has had a longer name since the table was empty.
     std::size_t LongestVisible() const noexcept { return longestVisible; }
     /// Forgets all entries, which become the caller's, at once.
     void Forget() noexcept;

@@ -1,3 +1,4 @@
+#include "Common/ZOUtil/NamePath.h"
 #include "Common/registry/SetImpl.h"
 #include "tests/registry/Rows.h"
 
@@ -78,6 +79,47 @@ TEST(EntryTableTest, OrderOfEqualNamesOutlivesGrowth) {
     Drop(table, first);
     EXPECT_EQ(table.FirstVisible("Soils"), second);
     for (int i = 0; i < 10'000; ++i) ASSERT_NE(table.First("n" + std::to_string(i)), nullptr) << i;
+}
+
+TEST(EntryTableTest, AForgottenTableIsFilledAnew) {
+    EntryTable table;
+    for (int const count : {0, 3, 10'000, 2, 1, 5'000, 0, 40}) {
+        std::vector<SetEntry*> entries;
+        for (int i = 0; i < count; ++i) entries.push_back(Put(table, "n" + std::to_string(i), i % 3 != 2));
+        for (int i = 0; i < count; ++i) {
+            std::string const name = "n" + std::to_string(i);
+            ASSERT_EQ(table.FirstVisible(name), i % 3 != 2 ? entries[static_cast<std::size_t>(i)] : nullptr) << name;
+        }
+        EXPECT_EQ(table.Size(), entries.size());
+        EXPECT_EQ(table.HasHidden(), count > 2);
+        table.Forget();
+        EXPECT_EQ(table.Size(), 0u);
+        EXPECT_FALSE(table.HasHidden());
+        EXPECT_EQ(table.LongestVisible(), 0u);
+        EXPECT_EQ(table.First("n0"), nullptr);
+        EXPECT_EQ(table.First("n2"), nullptr);
+        for (SetEntry* const entry : entries) table.Recycle(entry);
+    }
+}
+
+TEST(EntryTableTest, AnEntryThatIsKnownToBeNewIsFoundLikeAnyOther) {
+    EntryTable table;
+    std::vector<SetEntry*> entries;
+    for (int i = 0; i < 1000; ++i) {
+        SetEntry* const entry = table.Acquire();
+        entry->name = "n" + std::to_string(i);
+        entry->visible = true;
+        table.InsertNew(entry, zo::path::Hash(entry->name));
+        entries.push_back(entry);
+    }
+    SetEntry* const later = Put(table, "n7", true);
+    EXPECT_EQ(table.FirstVisible("n7"), entries[7]);
+    EXPECT_EQ(table.LongestVisible(), 4u);
+    Drop(table, entries[7]);
+    EXPECT_EQ(table.FirstVisible("n7"), later);
+    EXPECT_EQ(table.Size(), 1000u);
+    for (int i = 8; i < 1000; ++i)
+        ASSERT_EQ(table.First("n" + std::to_string(i)), entries[static_cast<std::size_t>(i)]);
 }
 
 TEST(EntryTableTest, ManyHiddenEntriesOfOneNameCostNoSearch) {
