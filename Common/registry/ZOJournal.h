@@ -35,7 +35,8 @@ public:
         friend bool operator==(Entry const&, Entry const&) = default;
     };
 
-    /// Commits record everything under this name as well, whether it is there or not.
+    /// Commits record everything under this name as well, whether it is there or not. An alias covers what it leads to
+    /// when the commit begins.
     void Cover(std::string name);
 
     /// In the order of names, in which values are written back.

@@ -153,6 +153,7 @@ bool IsEntered(ZOSet const* set, std::string_view name, std::uint64_t hash) {
 
 ZOTransaction::ZOTransaction(htl::handle<ZOSet> const& from, htl::handle<ZOSet> const& to, bool pin)
     : ZOSet(std::make_unique<ZOSetImpl>(), from, to) {
+    assert(from);
     if (pin) htl::handle_mgmt_refcounted::AddRef(this);
 }
 

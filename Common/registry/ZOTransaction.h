@@ -21,8 +21,8 @@ class ZOJournal;
 /// it.
 class ZO_API ZOTransaction : public ZOSet {
 public:
-    /// Reads from `source` and commits to `base`, which is `source` if empty. A pinned transaction is an automatic
-    /// object: no handle ever deletes it.
+    /// Reads from `source`, which must be there, and commits to `base`, which is `source` if empty. A pinned
+    /// transaction is an automatic object: no handle ever deletes it.
     ZOTransaction(htl::handle<ZOSet> const& source, htl::handle<ZOSet> const& base, bool pin);
     ~ZOTransaction() override;
 
