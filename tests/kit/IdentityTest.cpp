@@ -197,7 +197,6 @@ TEST_F(OtherIdentityTest, AStructureAndTheRecordsOfAStructureLieInsideIt) {
         std::vector<Shaft> others{{{4}, {{3, 4}}}};
     };
     static Works works;
-    works = {};
     Register({&PointModule, [](Kit& kit) {
                   kit.Record<Head>("Head", {.recordGroup = 201}).Field<&Head::level>("Level", L"Level");
                   kit.Record<Shaft>("Shaft")
