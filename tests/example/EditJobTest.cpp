@@ -18,14 +18,8 @@ using slope::EditJob;
 using slope::Message;
 using slope::Project;
 
-class EditTest : public example::FolderTest {
+class EditTest : public example::ProblemTest {
 protected:
-    void Import(std::string const& problem) {
-        Project project;
-        htl::status const failure = slope::ImportProblem(slope::DefaultDataFolder(), problem, project);
-        ASSERT_FALSE(failure.IsError()) << Message(failure);
-        document.SetContent(std::move(project));
-    }
     /// What a save writes.
     std::string Saved() {
         htl::status const failure = document.Save(File("saved.xml"));
@@ -39,7 +33,6 @@ protected:
         ASSERT_FALSE(refusal.IsError()) << name << ": " << Message(refusal);
     }
 
-    Document document;
     std::ostringstream out;
 };
 

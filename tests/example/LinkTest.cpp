@@ -1,6 +1,5 @@
 // Links between the parts of a project, and the alias that follows one of them.
 #include "examples/slope/Document.h"
-#include "examples/slope/Import.h"
 #include "examples/slope/Modules.h"
 #include "examples/slope/Text.h"
 #include "examples/slope/Tree.h"
@@ -16,29 +15,19 @@ using example::Holds;
 using example::Slope;
 using slope::Document;
 using slope::Message;
-using slope::Project;
 
 std::string Value(Document& document, std::string const& name) {
     zo::H const node = document.Find(name);
     return node ? slope::ValueText(node) : "<no node>";
 }
 
-/// A document with a published problem.
-class LinkTest : public example::FolderTest {
+class LinkTest : public example::ProblemTest {
 protected:
-    void Import(std::string const& problem) {
-        Project project;
-        htl::status const failure = slope::ImportProblem(slope::DefaultDataFolder(), problem, project);
-        ASSERT_FALSE(failure.IsError()) << Message(failure);
-        document.SetContent(std::move(project));
-    }
     std::string Shown() {
         std::ostringstream out;
         slope::PrintTree(out, document.Root(), document.Units(), 20, document.Aliases());
         return out.str();
     }
-
-    Document document;
 };
 
 TEST_F(LinkTest, RegionLeadsToItsMaterial) {

@@ -1,8 +1,12 @@
 #include "tests/example/Support.h"
 
+#include "examples/slope/Import.h"
+#include "examples/slope/Text.h"
+
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -65,6 +69,13 @@ FolderTest::FolderTest() : folder(testing::TempDir() + "slope-test-XXXXXX") {
 FolderTest::~FolderTest() {
     std::error_code ignored; // a leftover among temporary files fails no test
     std::filesystem::remove_all(folder, ignored);
+}
+
+void ProblemTest::Import(std::string const& problem) {
+    slope::Project project;
+    htl::status const failure = slope::ImportProblem(slope::DefaultDataFolder(), problem, project);
+    ASSERT_FALSE(failure.IsError()) << slope::Message(failure);
+    document.SetContent(std::move(project));
 }
 
 testing::AssertionResult Holds(std::string const& text, std::string const& part) {

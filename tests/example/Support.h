@@ -1,6 +1,8 @@
 // What the tests of the example share: a folder of their own, files, and the program as a user runs it.
 #pragma once
 
+#include "examples/slope/Document.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -33,6 +35,14 @@ protected:
     std::string File(std::string const& name) const { return folder + "/" + name; }
 
     std::string folder;
+};
+
+/// A test on a document with a published problem.
+class ProblemTest : public FolderTest {
+protected:
+    void Import(std::string const& problem);
+
+    slope::Document document;
 };
 
 /// Whether `text` holds `part`; both are shown if it doesn't.
