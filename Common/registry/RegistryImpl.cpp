@@ -63,8 +63,8 @@ ZORegistryImpl::ZORegistryImpl(ZORegistry* owner) : owner(owner) {
     tagIndex.rehash(leastBuckets);
     auto const reserve = [](auto&... columns) { (columns.reserve(rows), ...); };
     reserve(dataTraits, persistTraits, localTags, stores, nodes, names, subNames, tagNames, subTags, pathTags, wrappers,
-            redirects, aliasBits, assocBits, parents, nextSiblings, firstChildren, viewFirstChildren, childrenByName,
-            childrenByTag, viewRecords, stepRows);
+            redirects, aliasBits, assocBits, parents, nextSiblings, firstChildren, viewFirstChildren, viewParents,
+            childrenByName, childrenByTag, viewRecords, stepRows);
 }
 
 // Entries before rows.
@@ -168,6 +168,7 @@ ZORegistryImpl::RegID ZORegistryImpl::AddRow(htl::handle<IODS> const& store, H c
     nextSiblings.push_back(IZO::npos);
     firstChildren.push_back(IZO::npos);
     viewFirstChildren.push_back(IZO::npos);
+    viewParents.push_back(IZO::npos);
     childrenByName.emplace_back();
     childrenByTag.emplace_back();
     viewRecords.emplace_back();
@@ -211,20 +212,23 @@ void ZORegistryImpl::Finish() {
                          [](auto const& a, auto const& b) { return lessByUnits(a.first, b.first); });
     BuildTagTree_();
 
+    initializationComplete = true;
+    if (viewIsFinal) return; // a table of rules has shaped the view; later rows are not in it
+
     viewFirstChildren = firstChildren;
-    viewRecords.resize(RowCount());
+    viewParents.assign(RowCount(), IZO::npos);
     for (RegID id = 0; id < RowCount(); ++id) {
-        ViewRecord& record = viewRecords[id];
-        record.nextSibling = nextSiblings[id];
+        for (RegID child = firstChildren[id]; child != IZO::npos; child = nextSiblings[child]) viewParents[child] = id;
+        ViewTravRecord& record = viewRecords[id] = {};
+        record.ViewTravNextID = nextSiblings[id];
         if (parents[id] != 0 && parents[id] != IZO::npos && !subTags[id].empty()) {
-            record.kind = ViewRecord::SubTagOfParent;
-            record.source = subTags[id];
-        } else {
-            record.kind = tagNames[id].empty() ? ViewRecord::None : ViewRecord::AbsoluteTag;
-            record.source = tagNames[id];
+            record.kind = ViewTravRecord::RelativeTag;
+            record.path = subTags[id];
+        } else if (!tagNames[id].empty()) {
+            record.kind = ViewTravRecord::AbsoluteTag;
+            record.path = tagNames[id];
         }
     }
-    initializationComplete = true;
 }
 
 // The tree is shaped by tags: a row's parent is the row with the longest beginning of its path in whole components.

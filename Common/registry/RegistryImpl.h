@@ -7,7 +7,9 @@
 #include "Common/registry/SetImpl.h"
 #include "Common/registry/StepIndex.h"
 
+#include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -20,12 +22,21 @@ class IZOWrapper;
 class ZORedirect;
 class ZORegistry;
 
-/// A row's place in the view of the tree, and the text that its source is found by.
-struct ViewRecord {
-    std::size_t nextSibling = IZO::npos;
-    enum SourceKind : unsigned { SubTagOfParent = 0, AbsoluteTag = 1, None = 2 };
-    unsigned kind = None;
-    std::wstring source;
+class ExtendedInfoStore;
+
+/// A row's place in the view of the tree, and how its node is reached from its parent in the view.
+struct ViewTravRecord {
+    enum Flag : std::uint32_t {
+        WalkChildren = 1, ///< the children are walked at run time, by `begin()`
+        Splice = 2        ///< the node is not shown: its children stand in its place
+    };
+    enum Kind : std::uint32_t { RelativeTag = 0, AbsoluteTag = 1, RegistryName = 2 };
+
+    std::size_t ViewTravNextID = IZO::npos; ///< next sibling in the view
+    std::uint32_t flags = 0;
+    std::wstring renamePattern; ///< put before the tag of each spliced child; empty for none
+    Kind kind = RegistryName;
+    std::wstring path; ///< the tag of the first two kinds; of the third the full tag of an alias's source, or empty
 };
 
 struct PathHash {
@@ -47,8 +58,9 @@ struct ZO_API ZORegistryImpl final : ZOSetImpl {
     using TaggedChildren = std::vector<std::pair<std::wstring, RegID>>;
 
     bool initializationComplete = false;
-    NameIndex nameIndex; // normalised name to row
-    TagIndex tagIndex;   // normalised tag name to row
+    bool viewIsFinal = false; // a table of rules was compiled: the view stays as it is
+    NameIndex nameIndex;      // normalised name to row
+    TagIndex tagIndex;        // normalised tag name to row
     std::map<std::string, RegID> typeTemplates;
     ZORegistry* owner;
     // The member that the next structure view is asked for. One use only.
@@ -73,10 +85,14 @@ struct ZO_API ZORegistryImpl final : ZOSetImpl {
     std::vector<RegID> parents;
     std::vector<RegID> nextSiblings;           // tree of tags
     std::vector<RegID> firstChildren;          // tree of tags
-    std::vector<RegID> viewFirstChildren;      // as firstChildren, until views change it
+    std::vector<RegID> viewFirstChildren;      // as firstChildren, until a table of rules changes it
+    std::vector<RegID> viewParents;            // in the tree of tags; npos for the root and for what is in no chain
     std::vector<NamedChildren> childrenByName; // sorted once registration has ended
     std::vector<TaggedChildren> childrenByTag; // likewise, in UTF-16 order
-    std::vector<ViewRecord> viewRecords;
+    std::vector<ViewTravRecord> viewRecords;
+
+    /// The table of labels and rules; made when it is first asked for, defined in a layer above.
+    std::shared_ptr<ExtendedInfoStore> extendedInfo;
 
     std::vector<StepRow> stepRows; // what lookup reads of each row
     StepIndex steps;

@@ -9,7 +9,7 @@ using rows::H;
 using rows::IZO;
 using rows::MetaPersistTraits;
 using rows::RowOf;
-using zo::ViewRecord;
+using zo::ViewTravRecord;
 using zo::ZORegistryImpl;
 
 class ColumnsTest : public rows::RegistryTest {
@@ -250,15 +250,18 @@ TEST_F(ColumnsTest, ViewRecordsFollowTheTreeAndNameTheirSources) {
     ZORegistryImpl& tables = Tables();
     EXPECT_EQ(tables.viewFirstChildren, tables.firstChildren);
     auto const record = [&](char const* name) { return tables.viewRecords[RowOf(name)]; };
-    EXPECT_EQ(record("a").kind, ViewRecord::AbsoluteTag);
-    EXPECT_EQ(record("a").source, L"A");
-    EXPECT_EQ(record("a").nextSibling, RowOf("d"));
-    EXPECT_EQ(record("a.b").kind, ViewRecord::SubTagOfParent);
-    EXPECT_EQ(record("a.b").source, L"B");
-    EXPECT_EQ(record("a.b").nextSibling, RowOf("a.c"));
-    EXPECT_EQ(record("a.c").kind, ViewRecord::None);
-    EXPECT_EQ(record("a.c").source, L"");
-    EXPECT_EQ(record("d").kind, ViewRecord::None);
+    EXPECT_EQ(record("a").kind, ViewTravRecord::AbsoluteTag);
+    EXPECT_EQ(record("a").path, L"A");
+    EXPECT_EQ(record("a").ViewTravNextID, RowOf("d"));
+    EXPECT_EQ(record("a.b").kind, ViewTravRecord::RelativeTag);
+    EXPECT_EQ(record("a.b").path, L"B");
+    EXPECT_EQ(record("a.b").ViewTravNextID, RowOf("a.c"));
+    EXPECT_EQ(record("a.c").kind, ViewTravRecord::RegistryName);
+    EXPECT_EQ(record("a.c").path, L"");
+    EXPECT_EQ(record("d").kind, ViewTravRecord::RegistryName);
+    EXPECT_EQ(tables.viewParents[RowOf("a.b")], RowOf("a"));
+    EXPECT_EQ(tables.viewParents[RowOf("a")], 0u);
+    EXPECT_EQ(tables.viewParents[0], IZO::npos);
 }
 
 TEST_F(ColumnsTest, AHashedIndexStaysFilledLightly) {
