@@ -35,8 +35,8 @@ inline constexpr std::array modeWords = {
 };
 inline constexpr std::array styleWords = {
     Word{L"text", style::text},
-    Word{L"table", style::table},
     Word{L"header", style::header},
+    Word{L"table", style::table},
 };
 
 /// False for an empty cell, blanks, "N", "0" and any beginning of "false" in either case ("f", "FA"); else true, also
