@@ -8,15 +8,20 @@
 #include "support/status.h"
 
 #include <atomic>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <typeinfo>
+#include <unordered_map>
 #include <vector>
 
 namespace zo {
 
 class ExtendedInfoStore;
+struct ZORegistryImpl;
 
 namespace extinfo {
 
@@ -62,6 +67,14 @@ public:
     /// Whether `Compile` got past the checks of the table.
     bool IsCompiled() const noexcept { return compiled; }
 
+    /// The two tables that take part.
+    enum class Table { First, Second };
+    /// Whether a second table, with translated texts, was joined to the first one.
+    bool HasSecondTable() const;
+    /// Whether a table had a text for the Label or the Description of an entry. False for other fields, and until the
+    /// tables are joined.
+    bool CameWith(Table table, std::size_t index, unsigned field) const;
+
     /// Number of entries; before compilation those of both tables.
     std::size_t EntryCount() const noexcept { return entries.size(); }
     /// How many of them came with the tables before the latest one; 0 once the tables are joined.
@@ -84,8 +97,21 @@ public:
     /// As by row, at last the default entry; for `Visibility` and `Whole` the fields of the question are completed.
     ExtendedInfoEntry const& LookupWhole(std::size_t regID, unsigned field);
 
-    /// Which entry a field of an entry was stated by: the entry itself, or the one that it was completed from. `End`
-    /// for the default entry and for a field that is not set. `index` may be `End` for the default entry.
+    /// The place of the entry that says in which views a row shows, with its mask; `End` for the default entry. What
+    /// the mask needs is completed first, unless the row is an alias and the entry dynamic.
+    std::size_t LookupVisibility(std::size_t regID, std::uint32_t& mask);
+    /// The mask of `LookupVisibility` with the bit `maskIsKnown`, once it can't change any more; 0 where that is not
+    /// known yet: then ask `LookupVisibility`. Takes no lock.
+    std::uint32_t FinalMask(std::size_t regID) const noexcept {
+        return regID < finalMaskCount.load(std::memory_order_acquire)
+                   ? finalMasks[regID].load(std::memory_order_relaxed)
+                   : 0;
+    }
+    /// Outside all groups of `viewmask`.
+    static constexpr std::uint32_t maskIsKnown = 0x80000000u;
+
+    /// Which entry a field of an entry was stated by: the entry itself, or the one that it was completed from in the
+    /// end. `End` for the default entry and for a field that is not set. `index` may be `End` for the default entry.
     std::size_t StatedBy(std::size_t index, unsigned field) const;
     /// Where an entry returned by a lookup stands; `End` for the default entry.
     std::size_t IndexOf(ExtendedInfoEntry const& entry) const noexcept;
@@ -98,13 +124,101 @@ private:
     template <class Parse>
     htl::status Read_(Parse const& parse);
 
-    // (to be completed by the implementation)
+    // Places of entries in columns; tables don't come near 2^32 entries.
+    using Place = std::uint32_t;
+    static constexpr Place none = 0xFFFFFFFFu;
+    static constexpr Place unknown = 0xFFFFFFFEu;
+
+    /// What the searches for a row found. It depends on the row alone, not on the field that is asked for.
+    struct RowSearch {
+        Place exact = unknown;
+        Place qualified = unknown;
+        Place wildcard = unknown;
+        Place type = none;      // in `types`
+        Place source = unknown; // the row of what an alias in the view stands for
+        std::uint32_t flags = 0;
+    };
+    enum RowFlag : std::uint32_t { Alias = 1, Atomic = 2, Tagged = 4, BelowQualified = 8 };
+
+    /// What the table says of a type of rows.
+    struct TypeSearch {
+        Place entry = none;           // under the type's name
+        Place first = 0, last = 0;    // entries whose tags begin with the type's name and "."
+        std::size_t prefixLength = 0; // of that beginning
+        bool isVoid = false;          // no ancestor above such a row counts
+    };
+    enum EntryFlag : std::uint8_t {
+        FirstLabel = 1,
+        FirstDescription = 2,
+        SecondLabel = 4,
+        SecondDescription = 8,
+        General = 16 // a wildcard, or a type and a path: speaks for rows beside their own entries
+    };
+
+    /// Joins the tables, checks them and makes what lookups need. Success sets `compiled`; "The extended information is
+    /// already compiled." if it is set. `Compile` begins with it, under the lock.
+    htl::status Prepare_();
+    /// Finds the entry of every row, and what is wrong with that. `firstAlias` and those behind it came with the view.
+    htl::status Bind_(std::size_t firstAlias);
+    /// `Compile` ends with it: the view's records are final, and masks are kept.
+    void FinishBinding_();
+    /// By tag rather than by row, as for nodes without one; `End` if only the default entry could. Asks the tag of the
+    /// node, which may have a row.
+    std::size_t LookupByText_(IZO& node, unsigned field);
+
+    htl::status Join_();
+    htl::status FillDefault_();
+    htl::status CheckEntries_() const;
+    htl::status ListWildcards_();
+    void IndexRows_();
+
+    std::size_t LookupRow_(std::size_t row, unsigned field);
+    bool SearchRow_(ZORegistryImpl const& tables, std::size_t row, unsigned field, std::size_t& candidate,
+                    std::size_t& found, bool& foundLast);
+    bool GeneralHasNothing_(RowSearch const& search, unsigned field) const;
+    std::size_t SourceOf_(ZORegistryImpl const& tables, std::size_t row);
+    std::size_t LookupNode_(H const& node, unsigned field, H& last);
+    bool MayTakeOver_(IZO const& node, std::size_t entry) const;
+    std::size_t TakeOver_(bool redirects, std::size_t candidate, std::size_t found, unsigned field);
+    void Complete_(std::size_t index, std::size_t source, unsigned field);
+
+    void SyncRows_(ZORegistryImpl const& tables);
+    bool IsAliasRow_(std::size_t row) const noexcept { return row < searches.size() && searches[row].flags & Alias; }
+    Place TypeOf_(meta::MetaDataTraits const& traits);
+    Place FindExact_(std::wstring_view tag) const noexcept;
+    Place FindBelow_(TypeSearch const& type, std::wstring_view path) const noexcept;
+    Place FindQualified_(ZORegistryImpl const& tables, std::size_t row);
+    Place FindQualified_(IZO& node, std::wstring_view tag, std::wstring_view normal);
+    Place FindWildcard_(std::wstring_view tag) const noexcept;
+
     std::size_t firstTableCount = 0;
     mutable sys::thread::impl::ProcessExclusiveAccess lock;
     std::vector<ExtendedInfoEntry> entries;
     std::vector<std::size_t> regIDMap;
     ExtendedInfoEntry defaultEntry;
-    bool compiled = false;
+    std::atomic<bool> compiled = false;
+    bool finished = false;
+    bool secondTable = false;
+
+    // By entry.
+    std::vector<std::uint8_t> entryFlags;
+    std::vector<Place> statedBy; // `ExtendedInfoField::count` each: 0 the entry itself, n entry n - 1, `none` default
+
+    // Entries with a "*" in their tags, in the order of the table.
+    std::vector<Place> wildcards;
+    std::shared_ptr<extinfo::TagMatcher const> matcher;
+    // Fields that some general entry has from anywhere but the default entry.
+    std::bitset<ExtendedInfoField::count> generalFields;
+
+    std::vector<RowSearch> searches; // by row
+    std::vector<TypeSearch> types;
+    std::unordered_map<std::type_info const*, Place> typePlaces;
+    std::size_t typeTemplatesSeen = 0;
+    std::wstring scratch;
+
+    // Written once, before the count.
+    std::unique_ptr<std::atomic<std::uint32_t>[]> finalMasks;
+    std::atomic<std::size_t> finalMaskCount = 0;
 };
 
 } // namespace zo
