@@ -1,8 +1,10 @@
 #include "support/describe.h"
 
 #include "support/number.h"
+#include "support/shown.h"
 #include "support/text.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -86,6 +88,56 @@ std::wstring const& BoolText(bool value) {
     return value ? yes : no;
 }
 
+// How numbers are shown to people and typed by them: formats 1 and 2, which are the same for numbers.
+
+status IsAmbiguous(std::wstring const& text) {
+    return status(90013, text, std::wstring(1, str::locale::native().DecimalPoint()));
+}
+
+/// A typed number with what it needs of its node.
+struct Typed {
+    impl::TypedNumber number;
+    impl::ShownUnits units;
+
+    bool IsNothing() const noexcept { return number.result == impl::TypedResult::Nothing; }
+    /// Whether the text is a number, in its unit or without one.
+    bool IsNumber() const noexcept { return number.result == impl::TypedResult::Number; }
+};
+
+template <class T>
+Typed ReadTyped(std::wstring const& text, T const& present, zo::IZO const* node) {
+    Typed typed{impl::ReadTyped(text, str::locale::native()), {}};
+    if (!typed.IsNumber()) return typed;
+    if (node) typed.units = impl::unitHooks.unitsOf(&present, *node);
+    if (!typed.number.rest.empty() && (!node || typed.number.rest != impl::unitHooks.unitText(typed.units)))
+        typed.number.result = impl::TypedResult::NoNumber;
+    return typed;
+}
+
+/// Appends a stored number as it is shown in other units. `neighbour` is the next one that could be stored, where
+/// numbers are spaced.
+void AppendShown(std::wstring& text, double value, double neighbour, impl::ShownUnits const& units) {
+    double const shown = units.ToShown(value);
+    // Beyond what a number can hold: not to be taken for a missing value.
+    if (!std::isfinite(shown)) {
+        text += shown < 0 ? L"-inf" : L"inf";
+        return;
+    }
+    double const step = neighbour == value ? 0 : std::abs(units.ToShown(neighbour) - shown);
+    str::locale::AppendRounded(text, shown, impl::DigitsThatCount(shown, step), str::locale::native());
+}
+
+/// Whether a typed number is what is shown of a stored one, which then stays as it is to the last bit.
+bool IsWhatIsShown(double typed, double value, double neighbour, impl::ShownUnits const& units) {
+    double const shown = units.ToShown(value);
+    if (!(std::abs(typed - shown) <= 1e-6 * std::abs(shown) + 1e-6)) return false; // not worth writing it
+    std::wstring text;
+    AppendShown(text, value, neighbour, units);
+    std::ranges::replace(text, str::locale::native().DecimalPoint(), L'.');
+    double read = 0;
+    return math::ParseDouble(text, read) == ParseResult::Ok && read == typed;
+}
+
 /// The conversions of one row, all static: what differs from record to record is the missing value.
 template <class T>
 struct Row;
@@ -95,6 +147,7 @@ template <class T, class N = T>
 struct WholeRow {
     using Missing = std::optional<T>;
     static constexpr bool isU64 = std::is_same_v<T, UInt64>;
+    static constexpr bool hasUnits = std::is_same_v<T, N>; // a parameter's kind is that of other values
 
     static bool IsMissing(T value, Missing const& missing) noexcept { return missing && value == *missing; }
 
@@ -107,6 +160,19 @@ struct WholeRow {
         else
             math::AppendNumber(text, static_cast<N>(value));
         return {};
+    }
+    static status ToShown(T value, std::wstring& text, Missing const& missing, zo::IZO const* node) {
+        if constexpr (hasUnits) {
+            if (node && !IsMissing(value, missing)) {
+                if (impl::ShownUnits const units = impl::unitHooks.unitsOf(&value, *node); units.Differ()) {
+                    auto const number = static_cast<double>(value);
+                    text.clear();
+                    AppendShown(text, number, number, units);
+                    return {};
+                }
+            }
+        }
+        return ToWide(value, text, missing);
     }
     static status ToBool(T value, bool& out, Missing const& missing) {
         out = static_cast<N>(value) != 0 && !IsMissing(value, missing);
@@ -141,6 +207,19 @@ struct WholeRow {
             break;
         }
         value = *missing;
+        return {};
+    }
+    static status FromShown(std::wstring const& text, T& value, Missing const& missing, zo::IZO const* node) {
+        Typed const typed = ReadTyped(text, value, hasUnits ? node : nullptr);
+        if (typed.IsNothing()) return FromWide({}, value, missing);
+        if (typed.number.result == impl::TypedResult::Ambiguous) return IsAmbiguous(text);
+        if (!typed.IsNumber()) return InvalidWhole(text);
+        if (hasUnits && typed.units.Differ()) return FromOtherUnits_(text, typed, value, missing);
+        N number{};
+        ParseResult const read = Parse_(typed.number.digits, number);
+        if (read == ParseResult::OutOfRange) return WholeOutOfRange(text);
+        if (read != ParseResult::Ok) return InvalidWhole(text);
+        value = static_cast<T>(number);
         return {};
     }
     static status FromBool(bool in, T& value) {
@@ -191,6 +270,18 @@ private:
             return math::ParseInteger(text, number);
         }
     }
+    static status FromOtherUnits_(std::wstring const& text, Typed const& typed, T& value, Missing const& missing) {
+        double shown = 0;
+        if (math::ParseDouble(typed.number.digits, shown) != ParseResult::Ok) return WholeOutOfRange(text);
+        auto const present = static_cast<double>(static_cast<N>(value));
+        if (!IsMissing(value, missing) && IsWhatIsShown(shown, present, present, typed.units)) return {};
+        double const stored = typed.units.ToStored(shown);
+        double const whole = Rounded(stored);
+        // What was typed has no more digits than a double keeps; another number than the typed one is no answer.
+        if (!(std::abs(stored - whole) <= 1e-9 * std::max(1.0, std::abs(whole)))) return InvalidWhole(text);
+        if (FromDouble(whole, value, std::nullopt).IsError()) return WholeOutOfRange(text);
+        return {};
+    }
     static status Missing_(double in, T& value, Missing const& missing) {
         if (!missing) return WholeOutOfRange(NumberText(in));
         value = *missing;
@@ -229,6 +320,17 @@ struct FloatRow {
         if (!HasNoText(value, missing)) math::AppendNumber(text, value);
         return {};
     }
+    static status ToShown(T value, std::wstring& text, Missing const& missing, zo::IZO const* node) {
+        text.clear();
+        if (HasNoText(value, missing)) return {};
+        if (node)
+            if (impl::ShownUnits const units = impl::unitHooks.unitsOf(&value, *node); units.Differ()) {
+                AppendShown(text, static_cast<double>(value), Neighbour_(value), units);
+                return {};
+            }
+        str::locale::AppendNumber(text, value, str::locale::native());
+        return {};
+    }
     static status ToBool(T value, bool& out, Missing const& missing) {
         out = value != 0 && !HasNoText(value, missing);
         return {};
@@ -246,12 +348,7 @@ struct FloatRow {
     }
 
     static status FromWide(std::wstring const& text, T& value, Missing const& missing) {
-        ParseResult read;
-        if constexpr (std::is_same_v<T, float>)
-            read = math::ParseFloat(text, value);
-        else
-            read = math::ParseDouble(text, value);
-        switch (read) {
+        switch (Parse_(text, value)) {
         case ParseResult::Ok: return {};
         case ParseResult::Empty:
             if (!missing) return InvalidNumber(text);
@@ -261,6 +358,24 @@ struct FloatRow {
         case ParseResult::OutOfRange: break;
         }
         return NumberOutOfRange(text);
+    }
+    static status FromShown(std::wstring const& text, T& value, Missing const& missing, zo::IZO const* node) {
+        Typed const typed = ReadTyped(text, value, node);
+        if (typed.IsNothing()) return FromWide({}, value, missing);
+        if (typed.number.result == impl::TypedResult::Ambiguous) return IsAmbiguous(text);
+        if (!typed.IsNumber()) return InvalidNumber(text);
+        if (!typed.units.Differ())
+            return Parse_(typed.number.digits, value) == ParseResult::Ok ? status() : NumberOutOfRange(text);
+        double shown = 0;
+        if (math::ParseDouble(typed.number.digits, shown) != ParseResult::Ok) return NumberOutOfRange(text);
+        if (!HasNoText(value, missing) &&
+            IsWhatIsShown(shown, static_cast<double>(value), Neighbour_(value), typed.units))
+            return {};
+        double const stored = typed.units.ToStored(shown);
+        // The greatest number stands for a missing one.
+        if (!(std::abs(stored) < static_cast<double>(std::numeric_limits<T>::max()))) return NumberOutOfRange(text);
+        value = static_cast<T>(stored);
+        return {};
     }
     static status FromBool(bool in, T& value) {
         value = in ? T(1) : T(0);
@@ -282,6 +397,16 @@ struct FloatRow {
         value = static_cast<T>(in);
         return {};
     }
+
+private:
+    static ParseResult Parse_(std::wstring_view text, T& value) {
+        if constexpr (std::is_same_v<T, float>)
+            return math::ParseFloat(text, value);
+        else
+            return math::ParseDouble(text, value);
+    }
+    /// The next value towards 0, so that it is finite.
+    static double Neighbour_(T value) noexcept { return static_cast<double>(std::nextafter(value, T(0))); }
 };
 
 template <>
@@ -301,6 +426,9 @@ struct Row<bool> {
         else
             text = BoolText(value);
         return {};
+    }
+    static status ToShown(bool value, std::wstring& text, Missing const& missing, zo::IZO const*) {
+        return ToWide(value, text, missing);
     }
     static status ToBool(bool value, bool& out, Missing const&) {
         out = value;
@@ -324,6 +452,11 @@ struct Row<bool> {
         else
             return Convert_error_status::InvalidCharStatus(text, L"truth value");
         return {};
+    }
+    static status FromShown(std::wstring const& text, bool& value, Missing const& missing, zo::IZO const*) {
+        return FromWide(std::wstring(str::Trim(text)), value, missing).IsError()
+                   ? Convert_error_status::InvalidCharStatus(text, L"truth value")
+                   : status();
     }
     static status FromBool(bool in, bool& value) {
         value = in;
@@ -361,6 +494,9 @@ struct TextRow {
             str::AssignWide(text, value);
         return {};
     }
+    static status ToShown(T const& value, std::wstring& text, Missing const& missing, zo::IZO const*) {
+        return ToWide(value, text, missing);
+    }
     static status ToBool(T const& value, bool& out, Missing const& missing) {
         out = !IsMissing(value, missing) && !IsFalseText(View(value));
         return {};
@@ -395,6 +531,9 @@ struct TextRow {
             str::AppendUtf8(value, text);
         }
         return {};
+    }
+    static status FromShown(std::wstring const& text, T& value, Missing const& missing, zo::IZO const*) {
+        return FromWide(text, value, missing);
     }
     static status FromBool(bool in, T& value) { return FromWide(BoolText(in), value, std::nullopt); }
     static status FromInt64(Int64 in, T& value, Missing const& missing) {
@@ -441,8 +580,10 @@ void StorePlainly(MetaTraitsAtomic& record) {
 struct Words {
     std::span<EnumWord const> words;
 
+    /// A word without a text for people is shown by its own: an empty one would be read as nothing.
     static std::wstring_view Text(EnumWord const& word, int format) noexcept {
-        return format == 1 ? word.abbreviated : format == 2 ? word.pretty : word.text;
+        std::wstring_view const text = format == 1 ? word.abbreviated : format == 2 ? word.pretty : word.text;
+        return text.empty() ? word.text : text;
     }
     EnumWord const* Find(Int64 value) const noexcept {
         for (EnumWord const& word : words)
@@ -461,8 +602,10 @@ struct Words {
     }
     status FromText(std::wstring const& text, void* value, int format) const {
         EnumWord const* word = Find(text, format);
-        // People may also type what documents hold.
+        // People may also type what documents hold, and blanks around it.
         if (!word && format != 0) word = Find(text, 0);
+        if (!word && format != 0) word = Find(str::Trim(text), format);
+        if (!word && format != 0) word = Find(str::Trim(text), 0);
         int number = 0;
         if (word)
             number = static_cast<int>(word->value);
@@ -488,14 +631,14 @@ MetaTraitsAtomic MakeAtomic(T const& defaultValue, std::optional<T> const& missi
     else
         record.isMissing = &MetaIsMissingValueNotSupported::IsMissing;
     record.setDefault = [defaultValue](void* value) { As<T>(value) = defaultValue; };
-    record.toWide = [missing](void const* value, std::wstring& text, int, zo::IZO const*) {
-        return R::ToWide(As<T>(value), text, missing);
+    record.toWide = [missing](void const* value, std::wstring& text, int format, zo::IZO const* node) {
+        return format == 0 ? R::ToWide(As<T>(value), text, missing) : R::ToShown(As<T>(value), text, missing, node);
     };
     record.toBool = [missing](void const* value, bool& out) { return R::ToBool(As<T>(value), out, missing); };
     record.toInt64 = [missing](void const* value, Int64& out) { return R::ToInt64(As<T>(value), out, missing); };
     record.toDouble = [missing](void const* value, double& out) { return R::ToDouble(As<T>(value), out, missing); };
-    record.fromWide = [missing](std::wstring const& text, void* value, int, zo::IZO const*) {
-        return R::FromWide(text, As<T>(value), missing);
+    record.fromWide = [missing](std::wstring const& text, void* value, int format, zo::IZO const* node) {
+        return format == 0 ? R::FromWide(text, As<T>(value), missing) : R::FromShown(text, As<T>(value), missing, node);
     };
     record.fromBool = [](bool const& in, void* value) { return R::FromBool(in, As<T>(value)); };
     record.fromInt64 = [missing](Int64 const& in, void* value) { return R::FromInt64(in, As<T>(value), missing); };

@@ -43,6 +43,9 @@ inline constexpr unsigned notGiven = 0xFFFFFFFFu;
 
 /// The user's locale. Read once, on the first call; the classic notation if the environment names a missing locale.
 ZO_API ID const& native();
+/// Puts another notation in place of the user's and returns the one before, for applications with a setting of their
+/// own. Set at start-up, before other threads ask: `native` gives the same object, with what was set.
+ZO_API ID SetNative(ID const& id);
 
 /// Whether the character is one of the digits that numbers are written with: 0 to 9 in every locale.
 ZO_API bool isdigit(wchar_t c, ID const& id) noexcept;
@@ -56,6 +59,16 @@ ZO_API bool isspace(wchar_t c, ID const& id) noexcept;
 /// Failures: `HznError::syntax` if the text begins with no number, OutOfRangeStatus if it is beyond a `double`. `value`
 /// and `used` are then as they were. A number too small for a `double` is a zero.
 ZO_API htl::status from_string(double& value, std::size_t& used, std::wstring_view text, ID const& id);
+
+/// How many characters of `text` `from_string` reads as a number; 0 if it begins with none. Cost: linear in the answer.
+ZO_API std::size_t NumberLength(std::wstring_view text, ID const& id) noexcept;
+
+/// Appends the shortest text that reads back to the same value, in the form of `math::FormatDouble`, with the locale's
+/// decimal point and without grouping. A value that is not finite has no text.
+ZO_API void AppendNumber(std::wstring& out, double value, ID const& id);
+ZO_API void AppendNumber(std::wstring& out, float value, ID const& id);
+/// The same, rounded to `significantDigits` if that text has more of them. No digits give 0.
+ZO_API void AppendRounded(std::wstring& out, double value, int significantDigits, ID const& id);
 
 /// Replaces `text` by the number's text, with the locale's decimal point and without grouping.
 ///

@@ -31,6 +31,7 @@ constexpr std::array messages = {
     Message{90010, L"The document cannot be written: %1"},
     Message{90011, L"{%1} is no file name: %2"},
     Message{90012, L"The text holds a character that no document can carry at position %1."},
+    Message{90013, L"{%1} can be read as two numbers. Write \"%2\" for the decimal point and nothing between digits."},
 };
 
 static_assert(std::ranges::is_sorted(messages, {}, &Message::id));

@@ -73,6 +73,9 @@ ZO_API bool CallRule(std::function<bool(void const*)> const& rule, zo::IZO const
 ///
 /// Outputs stay as they were on failure, unless a function says otherwise. `format` is 0 for plain text, 1 abbreviated,
 /// 2 pretty; `node` may be null. Functions marked (null) may be empty.
+/// Formats 1 and 2 are for people: numbers have the decimal point of `str::locale::native()` and the visible units of
+/// `node`. In these formats `fromWide` is given the present value, and leaves it as it is where the text is what is
+/// shown of it; so the digits that are not shown survive.
 struct MetaTraitsAtomic : MetaTraits {
     std::function<bool(void const* value)> isDefault;
     std::function<bool(void const* value)> isMissing;

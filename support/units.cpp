@@ -78,16 +78,31 @@ bool HasUnits(Row const& row, math::UnitSet const& set) noexcept {
     return true;
 }
 
-/// The size of the kind's unit in terms of metre, kilonewton and second.
-long double UnitSize(Row const& row, math::UnitSet const& set) noexcept {
-    long double size = 1;
-    for (std::size_t i = 0; i < dimensionCount; ++i) {
-        if (row.powers[i] == 0) continue;
-        long double const base = baseUnits[i][set.w[i] - 1].size;
-        for (int n = row.powers[i]; n > 0; --n) size *= base;
-        for (int n = row.powers[i]; n < 0; ++n) size /= base;
+using SizesOfKind = std::array<std::array<std::array<long double, unitCount>, unitCount>, unitCount>;
+
+// The size of each kind's unit in terms of metre, kilonewton and second, by the places of its units of length, force
+// and time. Worked out beforehand: reports and tables convert every number that they show.
+constexpr auto unitSizes = [] {
+    std::array<SizesOfKind, rows.size()> sizes{};
+    for (std::size_t kind = 0; kind < rows.size(); ++kind) {
+        for (std::size_t set = 0; set < 8; ++set) {
+            std::array<std::size_t, dimensionCount> const place{set / 4, set / 2 % 2, set % 2};
+            long double size = 1;
+            for (std::size_t i = 0; i < dimensionCount; ++i) {
+                long double const base = baseUnits[i][place[i]].size;
+                for (int n = rows[kind].powers[i]; n > 0; --n) size *= base;
+                for (int n = rows[kind].powers[i]; n < 0; ++n) size /= base;
+            }
+            sizes[kind][place[0]][place[1]][place[2]] = size;
+        }
     }
-    return size;
+    return sizes;
+}();
+
+/// The size of the kind's unit. A unit that takes no part may be without a number.
+long double UnitSize(Row const& row, math::UnitSet const& set) noexcept {
+    auto const place = [&set](std::size_t i) -> std::size_t { return IsUnit(set.w[i]) ? set.w[i] - 1 : 0; };
+    return unitSizes[static_cast<std::size_t>(row.kind)][place(0)][place(1)][place(2)];
 }
 
 /// The units of the dimensions whose power has the sign of `sign`, force first.
@@ -127,7 +142,9 @@ double Convert(Kind::Type kind, double value, math::UnitSet const& from, math::U
     if (!row || !HasUnits(*row, from) || !HasUnits(*row, to)) return value;
     if (kind == Kind::Temperature) {
         if (from.w[0] == to.w[0]) return value;
-        return to.w[0] == 2 ? value * 9 / 5 + 32 : (value - 32) * 5 / 9;
+        // The sum loses digits of a double where it is near 0.
+        long double const degrees = value;
+        return static_cast<double>(to.w[0] == 2 ? degrees * 9 / 5 + 32 : (degrees - 32) * 5 / 9);
     }
     return static_cast<double>(value * UnitSize(*row, from) / UnitSize(*row, to));
 }

@@ -1,6 +1,7 @@
 // Joins the layers: what lower directories need of higher ones.
 //
 // The table is a constant, so it is whole before any code of the process runs.
+#include "Common/present/Measure.h"
 #include "Common/redirect/ParentChain.h"
 #include "Common/registry/RegistryImpl.h"
 #include "Common/xml/PersistTree.h"
@@ -14,3 +15,8 @@ constinit RegistryHooks const registryHooks = {
 };
 
 } // namespace zo::impl
+
+constinit meta::impl::UnitHooks const meta::impl::unitHooks = {
+    .unitsOf = &zo::impl::ShownUnitsOf,
+    .unitText = &zo::impl::ShownUnitText,
+};
