@@ -36,8 +36,6 @@ ZO_API H GetSibling(H const& node, std::string const& name);
 ZO_API H GetNameZO(H const& node);
 /// The child with the tag "ID".
 ZO_API H GetIDZO(H const& node);
-/// The child with the tag "Color".
-ZO_API H GetColorZO(H const& node);
 /// Follows a path of tags from a node. "@Parent." climbs one level, as often as it is repeated; an empty text gives the
 /// node itself. A node without a name has nothing above it.
 ZO_API H LookupRelative(H const& node, std::wstring const& path);

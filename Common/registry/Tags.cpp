@@ -164,7 +164,6 @@ H FindTag(H const& node, std::string const& tag) { return FindTag(node, str::as_
 
 H GetNameZO(H const& node) { return FindTag(node, std::wstring(L"Name")); }
 H GetIDZO(H const& node) { return FindTag(node, std::wstring(L"ID")); }
-H GetColorZO(H const& node) { return LookupRelative(node, L"Color"); }
 
 H LookupRelative(H const& start, std::wstring const& path) {
     constexpr std::wstring_view climb = L"@Parent";

@@ -110,7 +110,6 @@ TEST_F(FindTest, SiblingsAreFoundThroughTheParent) {
 TEST_F(FindTest, NodesAreFoundByTheirWellKnownTags) {
     H const soil = zo::Find("Soils[1]");
     EXPECT_EQ(TextOf(zo::GetNameZO(soil)), L"Sand shell");
-    EXPECT_EQ(TextOf(zo::GetColorZO(soil)), L"65280");
     EXPECT_FALSE(zo::GetIDZO(soil));
     EXPECT_FALSE(zo::GetNameZO(zo::Find("Project")));
 }
