@@ -97,9 +97,10 @@ TagMatcher::TagMatcher(std::vector<std::wstring_view> const& patterns) : count(p
     }
     ++split;
 
-    // By prefix, then by suffix; of equal patterns the earlier one first.
+    // By prefix, then by suffix; of equal patterns the one that wins comes first.
     std::vector<std::uint32_t> order(patterns.size());
     std::iota(order.begin(), order.end(), 0u);
+    std::ranges::rotate(order, order.begin() + static_cast<std::ptrdiff_t>(std::min(split, order.size())));
     std::ranges::stable_sort(order, [&](std::uint32_t a, std::uint32_t b) {
         Run const left = Prefix(patterns[a]);
         Run const right = Prefix(patterns[b]);
