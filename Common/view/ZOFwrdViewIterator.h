@@ -11,8 +11,8 @@ namespace zo::view::impl {
 
 /// A forward iterator over the view children of a node, for one query. The end of every walk is `{}`.
 ///
-/// A splice that leads back to a node whose children are being gathered gives nothing; so do splices inside one another
-/// below 256 levels and all behind the first 10,000 of one walk, for tables can splice in circles.
+/// Tables can splice in circles. A splice that leads back to a node whose children are being gathered gives nothing,
+/// and so do splices more than 256 levels deep and all behind the first 10,000 that one walk comes to.
 ///
 /// Lifetime: valid as long as the registry. Copies are deep and go on by themselves. Elements that are added to an
 /// array behind the position are not seen. Threads: none of it is shared.
