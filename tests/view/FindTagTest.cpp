@@ -6,8 +6,6 @@ using zo::view::FindTag;
 
 namespace {
 
-std::string Found(H const& node) { return node ? node->Name() : "<nothing>"; }
-
 class FindTagInViewTest : public dam::ViewModelTest {};
 
 /// The drain's pitch stands in the body, its flow shows there, too, and so does the gallery under other tags.
@@ -19,38 +17,38 @@ TableText Reshaped() {
 
 TEST_F(FindTagInViewTest, FindsAChild) {
     ASSERT_TRUE(Succeeds(Compile(Reshaped())));
-    EXPECT_EQ(Found(FindTag(zo::Find("Body"), L"Crest", all)), "Body.Crest");
+    EXPECT_EQ(NameOf(FindTag(zo::Find("Body"), L"Crest", all)), "Body.Crest");
 }
 
 TEST_F(FindTagInViewTest, FindsAnElementByItsNumber) {
     ASSERT_TRUE(Succeeds(Compile(Reshaped())));
-    EXPECT_EQ(Found(FindTag(zo::Find("Points"), L"[2]", all)), "Points[1]");
-    EXPECT_EQ(Found(FindTag(zo::Find("Points"), L"[4]", all)), "<nothing>");
+    EXPECT_EQ(NameOf(FindTag(zo::Find("Points"), L"[2]", all)), "Points[1]");
+    EXPECT_EQ(NameOf(FindTag(zo::Find("Points"), L"[4]", all)), "<no node>");
 }
 
 TEST_F(FindTagInViewTest, FindsAMovedNodeByItsOldPlace) {
     ASSERT_TRUE(Succeeds(Compile(Reshaped())));
-    EXPECT_EQ(Found(FindTag(zo::Find("Drain"), L"Pitch", all)), "Drain.Pitch");
-    EXPECT_EQ(Found(FindTag(L"Drain.Pitch", all)), "Drain.Pitch");
+    EXPECT_EQ(NameOf(FindTag(zo::Find("Drain"), L"Pitch", all)), "Drain.Pitch");
+    EXPECT_EQ(NameOf(FindTag(L"Drain.Pitch", all)), "Drain.Pitch");
 }
 
 TEST_F(FindTagInViewTest, FindsAMovedNodeByItsNewPlace) {
     ASSERT_TRUE(Succeeds(Compile(Reshaped())));
-    EXPECT_EQ(Found(FindTag(zo::Find("Body"), L"Pitch", all)), "Drain.Pitch");
-    EXPECT_EQ(Found(FindTag(L"Body.Pitch", all)), "Drain.Pitch");
+    EXPECT_EQ(NameOf(FindTag(zo::Find("Body"), L"Pitch", all)), "Drain.Pitch");
+    EXPECT_EQ(NameOf(FindTag(L"Body.Pitch", all)), "Drain.Pitch");
 }
 
 TEST_F(FindTagInViewTest, FindsAnAlias) {
     ASSERT_TRUE(Succeeds(Compile(Reshaped())));
-    EXPECT_EQ(Found(FindTag(zo::Find("Body"), L"Flow", all)), "Body.Flow");
-    EXPECT_EQ(Found(FindTag(L"Body.Flow", all)), "Body.Flow");
+    EXPECT_EQ(NameOf(FindTag(zo::Find("Body"), L"Flow", all)), "Body.Flow");
+    EXPECT_EQ(NameOf(FindTag(L"Body.Flow", all)), "Body.Flow");
 }
 
 TEST_F(FindTagInViewTest, FindsANodeUnderTheTagThatOnlyTheViewKnows) {
     ASSERT_TRUE(Succeeds(Compile(Reshaped())));
     EXPECT_FALSE(zo::FindTag(zo::Find("Body"), std::wstring(L"InnerLength")));
     H const found = FindTag(zo::Find("Body"), L"InnerLength", all);
-    EXPECT_EQ(Found(found), "Body.InnerLength");
+    EXPECT_EQ(NameOf(found), "Body.InnerLength");
     EXPECT_EQ(TextOf(found), L"80");
     EXPECT_EQ(TextOf(FindTag(L"Body.InnerLength", all)), L"80");
 }
@@ -78,7 +76,7 @@ TEST_F(FindTagInViewTest, NeverGivesWhatTheTableHides) {
 
 TEST_F(FindTagInViewTest, GivesNothingBehindAHiddenNode) {
     ASSERT_TRUE(Succeeds(Compile(TableText::WithDefault().Entry(L"Drain", Hidden()))));
-    EXPECT_EQ(Found(FindTag(zo::Find("Drain"), L"Flow", all)), "Drain.Flow");
+    EXPECT_EQ(NameOf(FindTag(zo::Find("Drain"), L"Flow", all)), "Drain.Flow");
     EXPECT_FALSE(FindTag(L"Drain.Flow", all));
 }
 
@@ -97,7 +95,7 @@ TEST(FindTagByRuleTest, NeverGivesWhatARuleHides) {
         kit.Branch<Spillway>("Spillway", L"Spillway", [&] { return &spillway; });
     });
     ASSERT_TRUE(Succeeds(Compile(TableText::WithDefault())));
-    EXPECT_EQ(Found(FindTag(L"Spillway.Level", all)), "Spillway.Level");
+    EXPECT_EQ(NameOf(FindTag(L"Spillway.Level", all)), "Spillway.Level");
     shows = false;
     EXPECT_FALSE(FindTag(L"Spillway.Level", all));
     EXPECT_FALSE(FindTag(zo::Find("Spillway"), L"Level", all));
@@ -105,9 +103,9 @@ TEST(FindTagByRuleTest, NeverGivesWhatARuleHides) {
 
 TEST_F(FindTagInViewTest, FollowsAPathWithIndices) {
     ASSERT_TRUE(Succeeds(Compile(Reshaped())));
-    EXPECT_EQ(Found(FindTag(L"Points[3].Name", all)), "Points[2].Name");
-    EXPECT_EQ(Found(FindTag(L"Points[3]", all)), "Points[2]");
-    EXPECT_EQ(Found(FindTag(L"Points", all)), "Points");
+    EXPECT_EQ(NameOf(FindTag(L"Points[3].Name", all)), "Points[2].Name");
+    EXPECT_EQ(NameOf(FindTag(L"Points[3]", all)), "Points[2]");
+    EXPECT_EQ(NameOf(FindTag(L"Points", all)), "Points");
 }
 
 TEST_F(FindTagInViewTest, GivesNothingForAnEmptyComponent) {

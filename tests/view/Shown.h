@@ -29,6 +29,8 @@ inline constexpr int all = static_cast<int>(zo::viewmask::everything);
 /// More children than any node of a test has.
 inline constexpr std::size_t endless = 100'000;
 
+inline std::string NameOf(H const& node) { return node ? node->Name() : "<no node>"; }
+
 /// The view children of a node, by name.
 inline std::vector<std::string> Names(H const& node, int query = all) {
     std::vector<std::string> names;
