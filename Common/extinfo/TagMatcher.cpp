@@ -100,7 +100,7 @@ TagMatcher::TagMatcher(std::vector<std::wstring_view> const& patterns) : count(p
     // By prefix, then by suffix; of equal patterns the one that wins comes first.
     std::vector<std::uint32_t> order(patterns.size());
     std::iota(order.begin(), order.end(), 0u);
-    std::ranges::rotate(order, order.begin() + static_cast<std::ptrdiff_t>(std::min(split, order.size())));
+    std::rotate(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(std::min(split, order.size())), order.end());
     std::ranges::stable_sort(order, [&](std::uint32_t a, std::uint32_t b) {
         Run const left = Prefix(patterns[a]);
         Run const right = Prefix(patterns[b]);
