@@ -32,23 +32,27 @@ ZO_API style::Type Style(H const& node);
 ZO_API bool IsDescription(H const& node);
 /// Whether the node's last name component is "Color".
 ZO_API bool IsColor(H const& node);
-/// Whether the node is a colour, the table says where its colour is, or it has a child "Color".
+/// Whether the node is a colour, the table says where its colour is, be it right or not, or it has a child "Color".
 ZO_API bool HasColor(H const& node);
 /// The node itself if it is a colour, else the one that the table names, else the child "Color".
 ZO_API H GetColorZO(H const& node);
 /// The colour as 0x00BBGGRR, `MissingColor` without one.
 ZO_API unsigned long Color(H const& node);
 
-/// The name for reports, with the names of what the node is part of: " Soils [3] .Cohesion".
+/// The name for reports, with the names of what the node is part of: " Soils [3] .Cohesion" with "." as separator.
+///
+/// An element of an array is called as the array with its position from 1, "Len" as the array with the separator. The
+/// parents of a node that has a name by the table's rule take no part. Cost: a lookup for each parent.
 ZO_API std::wstring PrettyPrintName(H const& node, wchar_t separator);
 /// Joins pieces: each has a blank before it.
 ZO_API std::wstring PrettyPrintNameFromParts(std::vector<NameParts> parts);
-/// What the table's rule for the name in reports gives, empty without one.
+/// What the table's rule for the name in reports gives. Empty without one, and where a tag in it leads nowhere.
 ZO_API std::wstring PrettyPrintNameValue(H const& node);
 
 namespace impl {
 
-/// The node's own pieces of its name in reports, and whether those of its parents take no part.
+/// The node's own pieces of its name in reports; `fixed` says whether those of its parents take no part. Empty without
+/// a label and a name.
 ZO_API std::vector<NameParts> OwnNameParts(H const& node, bool& fixed);
 
 } // namespace impl

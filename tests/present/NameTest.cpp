@@ -288,6 +288,19 @@ TEST_F(NameTest, AnArrayInTheTreeMayStandBehindAnAlias) {
     EXPECT_EQ(PrettyPrintName(element, L'.'), L" Strata [5]");
 }
 
+TEST_F(NameTest, ANumberThatIsNoIndexIsNoPosition) {
+    ASSERT_TRUE(Compiles(SoilNames()));
+    H const element(new zo::ZOAtomicData<double>(zo::IZO::npos, nullptr, meta::AtomicTraits<double>(), 2.0));
+    ASSERT_TRUE(Succeeds(levee.registry->Insert("Soils[18446744073709551615]", element)));
+    EXPECT_EQ(PrettyPrintName(element, L'.'), L" Soils .Soil");
+}
+
+TEST_F(NameTest, ANodeWithoutAPlaceHasNoParents) {
+    ASSERT_TRUE(Compiles(SoilNames()));
+    H const copy(Find("Soils[0].Cohesion")->Clone());
+    EXPECT_EQ(PrettyPrintName(copy, L'.'), L" Cohesion");
+}
+
 TEST_F(NameTest, ANodeInATransactionHasTheNameThatIsStagedForIt) {
     ASSERT_TRUE(Compiles(TableText::WithDefault()
                              .Entry(L"Soils.[]", {{L"Label", L"Soil"}, {L"PrettyPrintNameTag", L"Name"}})
