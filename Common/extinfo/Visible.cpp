@@ -39,17 +39,6 @@ ZORedirect* AsRedirect(IZO& node) {
     return cast(node);
 }
 
-// What an alias stands for, the node itself if it is none; empty without a source and in a circle.
-H BehindAliases(H node) {
-    for (int left = impl::mostRedirects; node; --left) {
-        ZORedirect const* const redirect = AsRedirect(*node);
-        if (!redirect || !dynamic_cast<ZOAliasBase const*>(redirect)) break;
-        if (left == 0) return {};
-        node = redirect->Redirect();
-    }
-    return node;
-}
-
 // What the node's type says. Where there is no type there is no rule.
 bool RuleSays(Rule rule, IZO const& node) {
     meta::MetaDataTraits const traits = node.GetDataTraits();
@@ -87,6 +76,16 @@ bool IsVisible(H const& node, int query) {
     return visible::impl::PassesAtRunTime(node, query);
 }
 
+H visible::impl::RuleTarget(H node) {
+    for (int left = zo::impl::mostRedirects; node; --left) {
+        ZORedirect const* const redirect = AsRedirect(*node);
+        if (!redirect || !dynamic_cast<ZOAliasBase const*>(redirect)) break;
+        if (left == 0) return {};
+        node = redirect->Redirect();
+    }
+    return node;
+}
+
 bool visible::impl::PassesAtRunTime(H const& node, int query) {
     if (!node) return false;
     bool const isLogged = IsLogged();
@@ -104,7 +103,7 @@ bool visible::impl::PassesAtRunTime(H const& node, int query) {
         if (isLogged) Log(L"{%s} uses entry {%s}, Visibility=%s )\n", FullTag(node), entryTag, answer);
     }
     if (answer) {
-        H const target = redirect ? BehindAliases(node) : node;
+        H const target = redirect ? RuleTarget(node) : node;
         answer = target && RuleSays(&meta::MetaTraits::visible, *target);
     }
     if (isLogged) Log(L"{%s} run time visibility is %s.\n", FullTag(node), answer);
@@ -112,7 +111,7 @@ bool visible::impl::PassesAtRunTime(H const& node, int query) {
 }
 
 bool IsEditable(H const& node) {
-    H const target = BehindAliases(node);
+    H const target = visible::impl::RuleTarget(node);
     return target && RuleSays(&meta::MetaTraits::editable, *target);
 }
 

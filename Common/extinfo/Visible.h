@@ -48,6 +48,9 @@ constexpr bool Passes(std::uint32_t mask, std::uint32_t query) noexcept {
     if (!(query & viewmask::ignoreViews) && !(both & viewmask::views)) return false;
     return (both & viewmask::physics) && (both & viewmask::modes);
 }
+/// The node whose type's rules count: what an alias stands for, any other node itself; empty without a source and in a
+/// circle.
+H RuleTarget(H node);
 /// The second layer of visibility: the entry of a node that has no row or redirects, and the rule of its type.
 bool PassesAtRunTime(H const& node, int query);
 

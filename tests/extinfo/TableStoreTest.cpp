@@ -1,7 +1,9 @@
 // How the rows of tables stand in a store until they are joined.
+#include "Common/extinfo/ExtendedInfo.h"
 #include "Common/extinfo/ExtendedInfoStore.h"
 #include "tests/fixtures/Embankment.h"
 #include "tests/fixtures/TableText.h"
+#include "tests/fixtures/ViewModel.h"
 
 #include "support/xml/XmlFile.h"
 
@@ -211,6 +213,39 @@ TEST_F(TableStoreTest, HolderOfTheLockMayAdd) {
     ExclusiveAccessGuard const guard(store.Lock());
     Read(TableText().Entry(L"Soils"));
     EXPECT_EQ(store.Find(L"Soils"), 0u);
+}
+
+class CompiledTableTest : public dam::ViewModelTest {
+protected:
+    CompiledTableTest() { EXPECT_TRUE(Succeeds(dam::Compile(TableText::WithDefault().Entry(L"Body")))); }
+
+    static htl::status Refusal() { return htl::status::FromText(L"The extended information is already compiled."); }
+};
+
+TEST_F(CompiledTableTest, TableIsRefusedAndNothingChanges) {
+    EXPECT_TRUE(FailsAs(TableText().Entry(L"Drain").Read(), Refusal()));
+    EXPECT_TRUE(FailsAs(TableText().Declare(L"0").Read(), Refusal()));
+    EXPECT_TRUE(FailsAs(zo::extinfo::Store().Add({}), Refusal()));
+    EXPECT_EQ(Tags(zo::extinfo::Store()), (Texts{L"Body", L"Default"}));
+    EXPECT_EQ(zo::extinfo::Store().FirstTableCount(), 0u);
+}
+
+TEST_F(CompiledTableTest, DocumentIsNotLookedAt) {
+    EXPECT_TRUE(FailsAs(zo::ZOExtendedInfoRead(nullptr, nullptr), Refusal()));
+    EXPECT_TRUE(FailsAs(zo::ZOExtendedInfoRead(L"/no/such/folder/table.xml"), Refusal()));
+}
+
+TEST_F(CompiledTableTest, OtherStoreStillReads) {
+    ExtendedInfoStore translation;
+    EXPECT_TRUE(Succeeds(TableText().Entry(L"Body", {{L"Label", L"Damm"}}).ReadInto(translation)));
+    EXPECT_EQ(translation.EntryCount(), 1u);
+}
+
+TEST(RefusedTableTest, TableMayBeReadAfterACompilationThatFoundItWanting) {
+    dam::ViewModel const dam;
+    EXPECT_TRUE(FailsAs(dam::Compile(TableText().Entry(L"Body")),
+                        htl::status::FromText(L"ExtendedInfo should always have a 'Default' entry.")));
+    EXPECT_TRUE(Succeeds(TableText().Entry(L"Body", {{L"Label", L"Damm"}}).Read()));
 }
 
 } // namespace
