@@ -33,7 +33,8 @@ htl::status ExtendedInfoStore::Bind_(std::size_t firstAlias) {
     std::size_t const rowCount = tables.RowCount();
     htl::status result;
     for (std::size_t row = firstAlias; row < rowCount && !result.IsError(); ++row) {
-        // By its own tag: what its source's entry says, the source does.
+        // By its own tag: what its source's entry says, the source does. Without one it answers with its source's.
+        if (tables.tagNames[row].empty()) continue;
         std::size_t const index = LookupByText_(*tables.nodes[row], ExtendedInfoField::Whole);
         if (index == End) continue;
         std::vector<ViewTravItem> const& list = entries[index].viewTravList;

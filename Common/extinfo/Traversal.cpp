@@ -7,6 +7,7 @@
 #include "support/fmt.h"
 #include "support/text.h"
 
+#include <algorithm>
 #include <cassert>
 #include <utility>
 
@@ -38,6 +39,20 @@ bool IsRelative(std::wstring_view source) { return source.empty() || source.fron
 bool IsOneComponent(std::wstring_view tag) {
     return !tag.empty() && tag.find_first_of(L".[]") == tag.npos && !str::IsDigit(tag.front()) && tag.front() != L'@';
 }
+
+// Rows that are added go behind the others of their parent, whatever their names.
+class Reopened {
+public:
+    explicit Reopened(ZORegistryImpl& tables)
+        : tables(tables), wasComplete(std::exchange(tables.initializationComplete, false)) {}
+    Reopened(Reopened const&) = delete;
+    Reopened& operator=(Reopened const&) = delete;
+    ~Reopened() { tables.initializationComplete = wasComplete; }
+
+private:
+    ZORegistryImpl& tables;
+    bool wasComplete;
+};
 
 } // namespace
 
@@ -131,6 +146,7 @@ htl::status ViewShaper::ApplyList_(std::size_t parent, std::vector<ViewTravItem>
     // Below this the walk along the children is cheaper.
     constexpr std::size_t worthAnIndex = 8;
     if (list.size() >= worthAnIndex) chains.Index(parent);
+    std::size_t const rowsBefore = tables.RowCount();
     htl::status result;
     for (ViewTravItem const& item : list) {
         std::size_t shown = IZO::npos;
@@ -143,6 +159,9 @@ htl::status ViewShaper::ApplyList_(std::size_t parent, std::vector<ViewTravItem>
         }
         if (failure.IsError()) result = std::move(failure);
     }
+    if (tables.RowCount() != rowsBefore && tables.initializationComplete)
+        std::stable_sort(tables.childrenByName[parent].begin(), tables.childrenByName[parent].end(),
+                         [](auto const& a, auto const& b) { return a.first < b.first; });
     return result;
 }
 
@@ -178,7 +197,7 @@ htl::status ViewShaper::ApplyItem_(std::size_t parent, ViewTravItem const& item,
             return Failure(L"%s: Traversal destination tags may not express their own sub hierarchy: %s",
                            CallOf_(parent), item.DestTag);
         }
-    } else if (sourceTag.empty() || isElement) {
+    } else if (sourceTag.empty() || (isElement && IsRelative(sourceTag))) {
         return noSource();
     }
 
@@ -190,18 +209,17 @@ htl::status ViewShaper::ApplyItem_(std::size_t parent, ViewTravItem const& item,
         shown = source.row;
         if (moved.size() <= shown) moved.resize(tables.RowCount(), false);
         moved[shown] = true;
-        ViewTravRecord& record = tables.viewRecords[shown];
-        if (!IsRelative(sourceTag)) {
-            std::wstring const& fullTag = tables.tagNames[shown];
-            if (fullTag.find_first_of(L"[]") != fullTag.npos)
-                return Failure(L"%s: We can't support an array using an absolute tag of {%s}", CallOf_(parent),
-                               fullTag);
-            record.kind = ViewTravRecord::AbsoluteTag;
+        std::wstring const& fullTag = tables.tagNames[shown];
+        bool const isRelative = IsRelative(sourceTag);
+        if (!isRelative && fullTag.find_first_of(L"[]") != fullTag.npos)
+            return Failure(L"%s: We can't support an array using an absolute tag of {%s}", CallOf_(parent), fullTag);
+        // It stands in no list now; what the record said of its old place doesn't hold any more.
+        ViewTravRecord& record = tables.viewRecords[shown] = {};
+        record.kind = isRelative ? ViewTravRecord::RelativeTag : ViewTravRecord::AbsoluteTag;
+        if (!isRelative)
             record.path = fullTag;
-        } else {
-            record.kind = ViewTravRecord::RelativeTag;
+        else
             record.path = sourceTag.front() == L'.' ? sourceTag.substr(1) : sourceTag;
-        }
     }
 
     bool const isDynamic = isKnown && IsDynamic_(source.row);
@@ -235,8 +253,13 @@ htl::status ViewShaper::AddAlias_(std::size_t parent, std::wstring const& tag, s
     else
         node = H(new ZOAliasAbsolute(tables.names[source.row], IZO::npos, nullptr));
     alias = tables.RowCount();
-    ZOAliasRegistrator(node, htl::handle<IODS>(new ODSName(name)),
-                       meta::MetaPersistTraits(meta::MetaPersistTraits::No, fullTag));
+    {
+        // As while registration is open: putting each into its place by name would be quadratic, so the names of a
+        // parent's children are sorted when its list is done.
+        Reopened const registration(tables);
+        ZOAliasRegistrator(node, htl::handle<IODS>(new ODSName(name)),
+                           meta::MetaPersistTraits(meta::MetaPersistTraits::No, fullTag));
+    }
     assert(tables.RowCount() == alias + 1);
     chains.Grow();
     ViewTravRecord& record = tables.viewRecords[alias];

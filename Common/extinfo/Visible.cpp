@@ -18,7 +18,7 @@ namespace {
 
 using Rule = std::function<bool(void const*)> meta::MetaTraits::*;
 
-hzn::diag::DeclareCategoryMask const& Category() {
+[[gnu::always_inline]] inline hzn::diag::DeclareCategoryMask const& Category() {
     // Not a global: modules ask while the process starts.
     static hzn::diag::DeclareCategoryMask const category("ZO.IsVisible");
     return category;
@@ -46,7 +46,8 @@ bool RuleSays(Rule rule, IZO const& node) {
     return !record || meta::CallRule(record->*rule, &node);
 }
 
-bool IsVisibleByTable(std::size_t regID, std::uint32_t query) {
+// Out of line: the usual answer must not pay for saving registers.
+[[gnu::noinline]] bool IsVisibleByTable(std::size_t regID, std::uint32_t query) {
     ZORegistryImpl const& tables = impl::Current();
     if (!tables.HasRow(regID)) return false;
     ExtendedInfoStore& store = extinfo::Store();

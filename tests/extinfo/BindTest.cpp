@@ -159,6 +159,24 @@ TEST_F(BindTest, TheListOfAnAliasesSourceIsNoListOfItsOwn) {
     EXPECT_TRUE(Succeeds(Compile(table)));
 }
 
+TEST_F(BindTest, AnAliasBelowANodeWithoutATagHasNoListOfItsOwn) {
+    struct Untagged : zo::IZO {
+        Untagged() : IZO(npos, nullptr, npos) {}
+        zo::IZO* Clone() override { return new Untagged(*this); }
+    };
+    meta::MetaTraitsStructure record;
+    record.kind = meta::Kind::Structure;
+    record.type = &typeid(fixture::TableText); // any type that the dam has not
+    dam.registry->RegisterZO(htl::handle<zo::IODS>(new zo::ODSName("Scratch")), zo::H(new Untagged),
+                             meta::MetaPersistTraits(meta::MetaPersistTraits::No, L""), meta::MetaDataTraits(record));
+    dam.registry->OnPostRegistration();
+    TableText const table = TableText::WithDefault()
+                                .Entry(L"fixture::TableText", {}, {Also(L"Drain")})
+                                .Entry(L"Drain", {}, {From(L"Gallery.Length")});
+    EXPECT_TRUE(Succeeds(Compile(table)));
+    EXPECT_EQ(dam.registry->Tables()->names[row::count + 1], "Scratch.Drain");
+}
+
 TEST_F(BindTest, AfterAFailedItemNothingIsBound) {
     TableText const table = TableText::WithDefault().Entry(L"Body", {}, {From(L"Weir")}).Entry(L"Spillway");
     EXPECT_TRUE(FailsAs(Compile(table), Text(L"Unknown source tag: Weir"))); // no word of the unused entry
