@@ -39,6 +39,10 @@ namespace travcolumn {
 enum : std::size_t { SourceTag, DestTag, RemoveFromSource, IsDynamic };
 } // namespace travcolumn
 
+/// Of all lists of a document together. Any list may declare a million items in a few bytes, and each item would be
+/// copied for every entry that takes the list over. All of them fail alike: they name no source.
+constexpr std::size_t mostAbsentItems = 100;
+
 using TableReader = sys::file::XmlArrayElementDataTableReader;
 
 /// Fills an entry from the cells of a row, up to the first that can't be read.
@@ -146,10 +150,13 @@ XmlZOExtendedInfoReader::~XmlZOExtendedInfoReader() = default;
 
 htl::status XmlZOExtendedInfoReader::Entries(std::vector<ExtendedInfoEntry>& entries) const {
     entries.clear();
-    entries.reserve(std::min(rows->RowCount(), static_cast<std::size_t>(CurrentRow() + 1)));
-    // Each list may declare a million items in a few bytes, and a document may hold many lists.
-    std::size_t mostAbsent = maxDeclaredRows;
-    for (std::size_t row = 0; row < rows->RowCount(); ++row) {
+    auto const rowCount = static_cast<std::size_t>(CurrentRow() + 1); // what is merely declared has no tag
+    std::size_t tagged = 0;
+    for (std::size_t row = 0; row < rowCount; ++row)
+        if (!rows->Cell(row, column::Tag).empty()) ++tagged;
+    entries.reserve(tagged);
+    std::size_t absentLeft = mostAbsentItems;
+    for (std::size_t row = 0; row < rowCount; ++row) {
         std::wstring const& tag = rows->Cell(row, column::Tag);
         if (tag.empty()) continue;
         ExtendedInfoEntry& entry = entries.emplace_back();
@@ -162,8 +169,9 @@ htl::status XmlZOExtendedInfoReader::Entries(std::vector<ExtendedInfoEntry>& ent
         }
         if (auto const* const list = rows->TravList(row)) {
             entry.fields.set(ExtendedInfoField::ViewHierarchy);
-            entry.viewTravList = list->Items(mostAbsent);
-            mostAbsent -= std::min(mostAbsent, list->AbsentRows());
+            // One at least: a list of one item means something else than one of two.
+            entry.viewTravList = list->Items(std::max<std::size_t>(absentLeft, 1));
+            absentLeft -= std::min(absentLeft, list->AbsentRows());
         }
     }
     return {};
