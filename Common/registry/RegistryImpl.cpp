@@ -224,6 +224,7 @@ void ZORegistryImpl::Finish() {
         if (parents[id] != 0 && parents[id] != IZO::npos && !subTags[id].empty()) {
             record.kind = ViewTravRecord::RelativeTag;
             record.path = subTags[id];
+            record.isOwnTag = record.path.front() != L'@' && record.path.find_first_of(L".[") == std::wstring::npos;
         } else if (!tagNames[id].empty()) {
             record.kind = ViewTravRecord::AbsoluteTag;
             record.path = tagNames[id];

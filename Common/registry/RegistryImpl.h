@@ -36,7 +36,8 @@ struct ViewTravRecord {
     std::uint32_t flags = 0;
     std::wstring renamePattern; ///< put before the tag of each spliced child; empty for none
     Kind kind = RegistryName;
-    std::wstring path; ///< the tag of the first two kinds; of the third the full tag of an alias's source, or empty
+    bool isOwnTag = false; ///< `path` is the row's tag, one component, by which its parent finds it
+    std::wstring path;     ///< the tag of the first two kinds; of the third the full tag of an alias's source, or empty
 };
 
 struct PathHash {

@@ -10,7 +10,6 @@
 
 #include "support/pool.h"
 
-#include <string_view>
 #include <utility>
 
 namespace zo::view::impl {
@@ -24,11 +23,6 @@ constexpr unsigned mostNested = 256;
 constexpr unsigned mostSplices = 10'000;
 
 ZOSet& SetOf(IZO const& node) { return node.Owner() ? *node.Owner() : *ZORegistry::Instance(); }
-
-/// Whether a path of tags is one tag, which `LookupRelative` takes as it stands.
-bool IsOneTag(std::wstring_view path) noexcept {
-    return !path.empty() && path.front() != L'@' && path.find_first_of(L".[") == path.npos;
-}
 
 /// The node whose children are walked. What no redirect is registered for is none.
 H SourceOf(H const& node) {
@@ -73,6 +67,9 @@ struct ZOFwrdViewIterator::State {
     static void* operator new(std::size_t size) { return htl::pool::Allocate(size); }
     static void operator delete(void* block, std::size_t size) { htl::pool::Free(block, size); }
 
+    /// The row that the walk is at: a child of the walked node, else its own.
+    std::size_t Container() const noexcept { return position != npos ? position : walked->RegID(); }
+
     /// The first visible one of the children that the node has at run time.
     H BeginReal(IZO& node) {
         real = node.begin();
@@ -96,8 +93,7 @@ struct ZOFwrdViewIterator::State {
                 continue;
             }
             ++real;
-            std::size_t const container = position != npos ? position : walked->RegID();
-            std::wstring const& pattern = Current().viewRecords[container].renamePattern;
+            std::wstring const& pattern = Current().viewRecords[Container()].renamePattern;
             if (!pattern.empty()) child = ZOViewAlias::For(child, *walked, pattern);
             if (child) return child;
         }
@@ -133,19 +129,20 @@ private:
     // By rows alone, so that what is hidden costs no lookup.
     std::size_t FirstVisible_(std::size_t row) const {
         for (; row != npos; row = Current().viewRecords[row].ViewTravNextID)
-            if ((Current().aliasBits[row] || !Current().names[row].empty()) && IsVisible(row, query)) break;
+            if ((Current().stepRows[row].length > 0 || Current().aliasBits[row]) && IsVisible(row, query)) break;
         return row;
     }
 
     H Resolve_(std::size_t row) const {
         ZORegistryImpl const& tables = Current();
+        StepRow const& step = tables.stepRows[row];
         // A walk over the tree itself doesn't meet what has no data now, either.
-        if (!tables.stores[row]->IsAvailable()) return {};
+        if (!step.store->IsAvailable()) return {};
         ViewTravRecord const& record = tables.viewRecords[row];
         switch (record.kind) {
         case ViewTravRecord::RelativeTag:
-            // Mostly the child of its own tag, which needs no search.
-            if (tables.parents[row] == walked->RegID() && record.path == tables.subTags[row] && IsOneTag(record.path))
+            // Mostly a child by its own tag, which needs no search.
+            if (record.isOwnTag && step.parent == walked->RegID())
                 return SetOf(*walked).Find(walked, tables.subNames[row]);
             return LookupRelative(walked, record.path);
         case ViewTravRecord::AbsoluteTag:
@@ -234,7 +231,8 @@ void ZOFwrdViewIterator::Begin_(H const& node, int query, Level const* above) {
 
 void ZOFwrdViewIterator::Next_(Level const* above) {
     current.release();
-    if (!state) return;
+    // Another registry may be current by now.
+    if (!state || !Current().HasRow(state->Container())) return ReleaseImpl_();
     Level const level(state->walked->RegID(), above, state->splicesLeft);
     H next = state->NextReal();
     if (!next) next = state->NextSpliced(level);
