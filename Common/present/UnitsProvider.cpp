@@ -2,6 +2,7 @@
 
 #include "Common/redirect/Stores.h"
 #include "Common/registry/Find.h"
+#include "Common/registry/RegistryImpl.h"
 
 #include <string>
 #include <typeinfo>
@@ -21,10 +22,18 @@ std::string const& activeName = *new std::string("hzn::units::ActiveViewConsiste
 std::string const& parameterName = *new std::string("hzn::units::VisibleUnitSetForDataParamType()");
 std::string const& kindName = *new std::string("hzn::units::VisibleUnitSetForUnitKind()");
 
+/// As `Find(name)`, without the entry that a lookup gives its node: every number that is shown asks for two of these.
+H Provider(std::string const& name) {
+    ZORegistryImpl const& tables = impl::Current();
+    std::size_t const row = tables.TopLevel(name);
+    if (row == IZO::npos || tables.stepRows[row].wrapper) return Find(name);
+    return tables.stepRows[row].store->IsAvailable() ? H(tables.stepRows[row].node) : H();
+}
+
 template <class... A>
 math::UnitSet Ask(std::string const& name, A... argument) {
     using Node = ZOFunction<math::UnitSet(A...)>;
-    H const node = Find(name);
+    H const node = Provider(name);
     if (!node) return {};
     IZO const& found = *node;
     // Every question about units comes here, and the search for a base class takes longer than all the rest.

@@ -86,6 +86,8 @@ std::wstring PrintOwn(H const& node, int format) {
     meta::MetaDataTraits const traits = node->GetDataTraits();
     MetaTraitsAtomic const* const record = traits.AsAtomic();
     if (!record || !HasMemory(*node)) return text;
+    // A number of 15 digits and its unit, in one piece of memory.
+    if (question && question->node == node.get()) text.reserve(31);
     ZOAccessReadFormattedOutput trait(record->toWide, format, node.get(), text);
     (void)NodeAccess::CallValueTypeTrait(*node, trait); // there is nobody to tell: the text goes as far as it got
     return text;
@@ -108,10 +110,7 @@ std::wstring PrintRow(std::size_t regID, void const* value, int format) {
 
 /// The unit's text behind the value's, each if there is one.
 std::wstring Joined(std::wstring text, std::wstring const& unit) {
-    if (!unit.empty()) {
-        text += L' ';
-        text += unit;
-    }
+    if (!unit.empty()) (text += L' ') += unit;
     return text;
 }
 
