@@ -153,6 +153,95 @@ TEST(LocaleWriteTest, ValuesThatAreNotFiniteFailAndLeaveTheText) {
     }
 }
 
+std::wstring Appended(double value, ID const& id = classic) {
+    std::wstring text = L"=";
+    str::locale::AppendNumber(text, value, id);
+    return text;
+}
+std::wstring Rounded(double value, int digits, ID const& id = classic) {
+    std::wstring text = L"=";
+    str::locale::AppendRounded(text, value, digits, id);
+    return text;
+}
+
+TEST(LocaleAppendTest, TheShortestTextIsAppendedWithTheLocalesPoint) {
+    EXPECT_EQ(Appended(0.1 + 0.2), L"=0.30000000000000004");
+    EXPECT_EQ(Appended(-1234.5, german), L"=-1234,5");
+    EXPECT_EQ(Appended(1.5e20, german), L"=1,5e+20");
+    EXPECT_EQ(Appended(1e6), L"=1000000");
+    std::wstring text;
+    str::locale::AppendNumber(text, 0.1f, german);
+    EXPECT_EQ(text, L"0,1");
+}
+
+TEST(LocaleAppendTest, NumbersWithFewerDigitsAreNotRounded) {
+    EXPECT_EQ(Rounded(0, 15), L"=0");
+    EXPECT_EQ(Rounded(-0.0, 15), L"=-0");
+    EXPECT_EQ(Rounded(-12.5, 15, german), L"=-12,5");
+    EXPECT_EQ(Rounded(100, 15), L"=100");
+    EXPECT_EQ(Rounded(0.1, 1), L"=0.1");
+    EXPECT_EQ(Rounded(0.1 + 0.2, 17), L"=0.30000000000000004");
+}
+
+TEST(LocaleAppendTest, RoundingDropsZerosAtTheEnd) {
+    EXPECT_EQ(Rounded(0.1 + 0.2, 15), L"=0.3");
+    EXPECT_EQ(Rounded(0.30479999999999996, 15), L"=0.3048");
+    EXPECT_EQ(Rounded(2.0 / 3, 15), L"=0.666666666666667");
+    EXPECT_EQ(Rounded(-1.0 / 3, 15), L"=-0.333333333333333");
+    EXPECT_EQ(Rounded(1234.5678, 6), L"=1234.57");
+    EXPECT_EQ(Rounded(10.04, 3), L"=10");
+    EXPECT_EQ(Rounded(123456, 2), L"=120000");
+}
+
+TEST(LocaleAppendTest, RoundingCarries) {
+    EXPECT_EQ(Rounded(0.99999999999999989, 15), L"=1");
+    EXPECT_EQ(Rounded(9.96, 2), L"=10");
+    EXPECT_EQ(Rounded(1999.9, 3), L"=2000");
+    EXPECT_EQ(Rounded(129.96, 4), L"=130");
+    EXPECT_EQ(Rounded(999999999999999.9, 15), L"=1e+15");
+    EXPECT_EQ(Rounded(9.999999999999999e-6, 15), L"=0.00001"); // in full from 1e-5 on
+}
+
+TEST(LocaleAppendTest, AHalfIsRoundedByWhatTheNumberIs) {
+    EXPECT_EQ(Rounded(0.125, 2), L"=0.12"); // exactly half: to the even digit
+    EXPECT_EQ(Rounded(0.375, 2), L"=0.38"); // likewise
+    EXPECT_EQ(Rounded(0.15, 1), L"=0.1");   // 0.1499999999999999944...
+    EXPECT_EQ(Rounded(0.35, 1), L"=0.3");   // 0.3499999999999999778...
+    EXPECT_EQ(Rounded(0.45, 1), L"=0.5");   // 0.4500000000000000111...
+    EXPECT_EQ(Rounded(1.005, 3), L"=1");    // 1.00499999999999989...
+    EXPECT_EQ(Rounded(8.345, 3), L"=8.35"); // 8.3450000000000006394...
+    EXPECT_EQ(Rounded(-2.5, 1), L"=-2");    // exactly half
+    EXPECT_EQ(Rounded(1.2500001, 2), L"=1.3");
+}
+
+TEST(LocaleAppendTest, RoundedNumbersHaveTheFormOfOthers) {
+    EXPECT_EQ(Rounded(1.0 / 3 * 1e-4, 3), L"=0.0000333");
+    EXPECT_EQ(Rounded(1.0 / 3 * 1e-5, 3, german), L"=3,33e-06");
+    EXPECT_EQ(Rounded(2.0 / 3 * 1e15, 3), L"=667000000000000");
+    EXPECT_EQ(Rounded(2.0 / 3 * 1e16, 3), L"=6.67e+15");
+    EXPECT_EQ(Rounded(2.0 / 3 * 1e300, 1), L"=7e+299");
+    EXPECT_EQ(Rounded(std::numeric_limits<double>::max(), 15), L"=1.79769313486232e+308");
+    EXPECT_EQ(Rounded(std::numeric_limits<double>::denorm_min(), 15), L"=5e-324");
+}
+
+TEST(LocaleAppendTest, NoDigitsGiveZero) {
+    EXPECT_EQ(Rounded(-0.75, 0), L"=0");
+    EXPECT_EQ(Rounded(12, -3), L"=0");
+}
+
+TEST(LocaleAppendTest, WhatIsNotFiniteHasNoText) {
+    EXPECT_EQ(Appended(std::nan("")), L"=");
+    EXPECT_EQ(Rounded(std::numeric_limits<double>::infinity(), 15), L"=");
+}
+
+TEST(LocaleReadTest, TheLengthOfANumberIsWhatIsRead) {
+    EXPECT_EQ(str::locale::NumberLength(L"-1.5e3]", classic), 6u);
+    EXPECT_EQ(str::locale::NumberLength(L"1,5 m", german), 3u);
+    EXPECT_EQ(str::locale::NumberLength(L"1,5 m", classic), 1u);
+    EXPECT_EQ(str::locale::NumberLength(L"1e999", classic), 5u);
+    for (wchar_t const* text : {L"", L" 1", L"m", L"-", L"."}) EXPECT_EQ(str::locale::NumberLength(text, classic), 0u);
+}
+
 TEST(LocaleCharacterTest, DigitsAreAscii) {
     for (wchar_t c = L'0'; c <= L'9'; ++c) EXPECT_TRUE(str::locale::isdigit(c, german));
     for (wchar_t const c : {L'/', L':', L'a', L'\u0661', L'\uFF11', L'\0'})
@@ -181,6 +270,15 @@ TEST(LocaleIDTest, MissingLocaleIsTheClassicOne) {
 TEST(LocaleIDTest, UsersLocaleIsReadOnce) {
     ID const& first = str::locale::native();
     EXPECT_EQ(&first, &str::locale::native());
+}
+
+TEST(LocaleIDTest, AnApplicationMaySetTheUsersNotation) {
+    ID const& native = str::locale::native();
+    ID const before = str::locale::SetNative(german);
+    EXPECT_EQ(native, german);
+    EXPECT_EQ(&native, &str::locale::native());
+    EXPECT_EQ(str::locale::SetNative(before), german);
+    EXPECT_EQ(native, before);
 }
 
 TEST(LocaleIDTest, ReadsBackWhatItWrites) {

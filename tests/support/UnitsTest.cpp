@@ -64,6 +64,40 @@ TEST(UnitsTest, LengthAndForceFactorsAreExact) {
     EXPECT_EQ(ConvertBetweenUnitSets(Kind::Force, 1000, imperial, metric), 4.4482216152605);
 }
 
+TEST(UnitsTest, FactorsAreThoseOfTheStandard) {
+    // As printed in NIST Special Publication 811 (2008), appendix B.8, with seven digits.
+    struct Row {
+        Kind::Type kind;
+        double factor;
+    };
+    constexpr Row rows[] = {
+        {Kind::Length, 3.048000E-01},                // foot to metre
+        {Kind::Area, 9.290304E-02},                  // square foot to square metre
+        {Kind::Volume, 2.831685E-02},                // cubic foot to cubic metre
+        {Kind::Mass, 1.459390E+01 / 1000},           // slug to kilogram
+        {Kind::Force, 4.448222E+00 / 1000},          // pound-force to newton
+        {Kind::Stress, 4.788026E+01 / 1000},         // pound-force per square foot to pascal
+        {Kind::HydraulicConductivity, 3.048000E-01}, // foot per second to metre per second
+        {Kind::Flux, 2.831685E-02},                  // cubic foot per second to cubic metre per second
+        {Kind::Energy, 1.355818E+00 / 1000},         // foot pound-force to joule
+    };
+    for (Row const& row : rows) {
+        double const factor = ConvertBetweenUnitSets(row.kind, 1, imperial, metric);
+        EXPECT_NEAR(factor / row.factor, 1, 5e-7) << static_cast<int>(row.kind);
+    }
+    // Pound-force per cubic foot isn't listed: the pound per cubic foot, 1.601846E+01 kg/m3, at standard gravity.
+    EXPECT_NEAR(ConvertBetweenUnitSets(Kind::UnitWeight, 1, imperial, metric) / (1.601846E+01 * 9.80665E-03), 1, 5e-7);
+}
+
+TEST(UnitsTest, TemperatureNearAZeroKeepsItsDigits) {
+    // 0.1 F is -17.7222... C, whose double is within 1.8e-15 C.
+    double const celsius = ConvertBetweenUnitSets(Kind::Temperature, 0.1, imperial, metric);
+    EXPECT_NEAR(celsius, -17.722222222222222222, 1.8e-15);
+    EXPECT_NEAR(ConvertBetweenUnitSets(Kind::Temperature, celsius, metric, imperial), 0.1, 3.3e-15);
+    double const above = 32.000000000000007105; // the double after 32
+    EXPECT_EQ(ConvertBetweenUnitSets(Kind::Temperature, above, imperial, metric), 7.105427357601002e-15 * 5 / 9);
+}
+
 TEST(UnitsTest, TemperatureHasAnOffset) {
     EXPECT_EQ(ConvertBetweenUnitSets(Kind::Temperature, 0, metric, imperial), 32);
     EXPECT_EQ(ConvertBetweenUnitSets(Kind::Temperature, 100, metric, imperial), 212);
