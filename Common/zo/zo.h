@@ -1,14 +1,22 @@
-// Everything that an application needs: register, look up, read, write, save and load.
+// Everything that an application needs: register, look up, read, write, save, load and show.
 //
 // `#include <zo/zo.h>` and link to `zo::zo`. How an application declares its structures in one line a field is
 // `<kit/kit.h>`.
 #pragma once
 
+#include "Common/extinfo/Explain.h"
+#include "Common/extinfo/ExtendedInfo.h"
+#include "Common/extinfo/TableCheck.h"
+#include "Common/extinfo/Visible.h"
 #include "Common/model/IZO.h"
 #include "Common/model/ZOAccessTrait.h"
 #include "Common/model/ZOArray.h"
 #include "Common/model/ZOAtomicData.h"
 #include "Common/model/ZOWrapper.h"
+#include "Common/present/FormattedTraits.h"
+#include "Common/present/Text.h"
+#include "Common/present/UnitsProvider.h"
+#include "Common/present/Values.h"
 #include "Common/redirect/Identity.h"
 #include "Common/redirect/Placeholders.h"
 #include "Common/redirect/Stores.h"
@@ -22,6 +30,7 @@
 #include "Common/registry/ZORegistry.h"
 #include "Common/registry/ZOSet.h"
 #include "Common/registry/ZOTransaction.h"
+#include "Common/view/View.h"
 #include "Common/xml/Ordering.h"
 #include "Common/xml/PersistEntry.h"
 #include "Common/xml/Read.h"

@@ -25,6 +25,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <iterator>
 #include <type_traits>
 
 namespace {
@@ -614,6 +615,98 @@ TEST(NamesTest, DocumentsInFilesAndInMemoryAreThere) {
     static_assert(std::is_base_of_v<file::XmlElemReader, file::XmlArrayReader>);
     static_assert(std::is_base_of_v<file::XmlElemReader, file::XmlArrayElementReader>);
     static_assert(std::is_base_of_v<file::XmlArrayElementReader, file::XmlArrayElementDataTableReader>);
+}
+
+// ---- The table of labels and rules, the view, and what people read
+
+using Kind = hzn::units::Kind::Type;
+using Query = int;
+using UnitSet = math::UnitSet;
+namespace view = zo::view;
+
+static_assert(zo::style::header == 0 && zo::style::table == 1 && zo::style::text == 2);
+static_assert(std::is_same_v<std::underlying_type_t<zo::style::Type>, std::int32_t>);
+static_assert(std::is_same_v<std::underlying_type_t<hzn::apptype::Value>, int>);
+static_assert(std::is_same_v<std::underlying_type_t<hzn::appmode::Value>, int>);
+static_assert(std::is_same_v<zo::NameParts, std::pair<wstring, wstring>>);
+static_assert(std::is_same_v<decltype(zo::ExtendedInfoEntry::Tag), wstring>);
+static_assert(std::is_same_v<decltype(zo::ExtendedInfoEntry::IsDynamic), bool>);
+static_assert(std::is_same_v<decltype(zo::ViewTravItem::SourceTag), wstring>);
+static_assert(std::is_same_v<decltype(zo::ViewTravItem::RemoveFromSource), bool>);
+static_assert(std::forward_iterator<view::impl::ZOFwrdViewIterator>);
+
+TEST(NamesTest, TablesAreThere) {
+    EXPECT_TRUE((Has<status(void const*, void const*)>(&zo::ZOExtendedInfoRead)));
+    EXPECT_TRUE(Has<status(wstring const&)>(&zo::ZOExtendedInfoRead));
+    EXPECT_TRUE(Has<status()>(&zo::CompileExtendedInfo));
+    EXPECT_TRUE((Has<bool(size_t, Query)>(&zo::IsVisible)));
+    EXPECT_TRUE((Has<bool(H const&, Query)>(&zo::IsVisible)));
+    EXPECT_TRUE(Has<bool(H const&)>(&zo::IsEditable));
+    EXPECT_TRUE(Has<Query(hzn::apptype::Value)>(&zo::visible::Mask));
+    EXPECT_TRUE(Has<Query(hzn::appmode::Value)>(&zo::visible::Mask));
+}
+
+TEST(NamesTest, TextsForPeopleAreThere) {
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::Label));
+    EXPECT_TRUE(Has<wstring(string const&)>(&zo::Label));
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::LabelWithAccel));
+    EXPECT_TRUE(Has<wstring(string const&)>(&zo::LabelWithAccel));
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::Description));
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::Category));
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::CustomView));
+    EXPECT_TRUE(Has<zo::style::Type(H const&)>(&zo::Style));
+    EXPECT_TRUE(Has<bool(H const&)>(&zo::IsDescription));
+    EXPECT_TRUE(Has<bool(H const&)>(&zo::IsColor));
+    EXPECT_TRUE(Has<bool(H const&)>(&zo::HasColor));
+    EXPECT_TRUE(Has<H(H const&)>(&zo::GetColorZO));
+    EXPECT_TRUE(Has<unsigned long(H const&)>(&zo::Color));
+    EXPECT_TRUE(Has<bool(H const&)>(&zo::HasPrettyPrintValue));
+    EXPECT_TRUE((Has<wstring(H const&, wchar_t)>(&zo::PrettyPrintName)));
+    EXPECT_TRUE(Has<wstring(std::vector<zo::NameParts>)>(&zo::PrettyPrintNameFromParts));
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::PrettyPrintNameValue));
+}
+
+TEST(NamesTest, ValuesForPeopleAreThere) {
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::PrettyPrintValue));
+    EXPECT_TRUE(Has<wstring(string const&)>(&zo::PrettyPrintValue));
+    EXPECT_TRUE((Has<wstring(size_t, void const*)>(&zo::PrettyPrintValue)));
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::AbbrevValue));
+    EXPECT_TRUE(Has<wstring(string const&)>(&zo::AbbrevValue));
+    EXPECT_TRUE((Has<wstring(size_t, void const*)>(&zo::AbbrevValue)));
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::PrettyPrintValueWithUnits));
+    EXPECT_TRUE(Has<wstring(string const&)>(&zo::PrettyPrintValueWithUnits));
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::AbbrevValueWithUnits));
+    EXPECT_TRUE(Has<wstring(string const&)>(&zo::AbbrevValueWithUnits));
+    EXPECT_TRUE((Has<wstring(size_t, void const*)>(&zo::AbbrevValueWithUnits)));
+    EXPECT_TRUE((Has<status(H const&, wstring const&)>(&zo::SetPrettyPrintValue)));
+    EXPECT_TRUE((Has<status(H const&, wstring const&)>(&zo::SetAbbrevValue)));
+    EXPECT_TRUE(Has<Kind(H const&)>(&zo::Units));
+    EXPECT_TRUE(Has<Kind(string const&)>(&zo::Units));
+    EXPECT_TRUE((Has<Kind(size_t, void const*)>(&zo::Units)));
+    EXPECT_TRUE(Has<DataParamType(H const&)>(&zo::DataParameterType));
+    EXPECT_TRUE(Has<DataParamType(string const&)>(&zo::DataParameterType));
+    EXPECT_TRUE(Has<DataParamType(size_t)>(&zo::DataParameterType));
+    EXPECT_TRUE(Has<UnitSet(H const&)>(&zo::VisibleUnits));
+    EXPECT_TRUE(Has<UnitSet(string const&)>(&zo::VisibleUnits));
+    EXPECT_TRUE((Has<UnitSet(size_t, void const*)>(&zo::VisibleUnits)));
+    EXPECT_TRUE(Has<UnitSet(DataParamType const&)>(&zo::VisibleUnits));
+    EXPECT_TRUE(Has<wstring(H const&)>(&zo::UnitString));
+    EXPECT_TRUE((Has<wstring(size_t, void const*)>(&zo::UnitString)));
+    EXPECT_TRUE(Has<wstring(DataParamType const&)>(&zo::UnitString));
+    EXPECT_TRUE((Has<void(wstring&, Kind)>(&zo::Debug_AppendUKName)));
+    static_assert(std::is_base_of_v<zo::IZOAccessValueTypeTrait, zo::ZOAccessReadFormattedOutput>);
+    static_assert(std::is_base_of_v<zo::IZOAccessValueTypeTrait, zo::ZOAcessWriteFormattedOutput>);
+}
+
+TEST(NamesTest, ViewsAreThere) {
+    using Pairs = std::vector<std::pair<wstring, wstring>>;
+    EXPECT_TRUE((Has<void(std::vector<H>&, H const&, Query)>(&view::VisibleSubFields)));
+    EXPECT_TRUE((Has<bool(H const&, Query)>(&view::IsValid)));
+    EXPECT_TRUE((Has<H(H const&, wstring const&, Query)>(&view::FindTag)));
+    EXPECT_TRUE((Has<H(wstring const&, Query)>(&view::FindTag)));
+    EXPECT_TRUE((Has<std::vector<view::ZONameParts>(Pairs const&, Query)>(&view::FindAllMatching)));
+    EXPECT_TRUE((Has<std::vector<zo::NameParts>(H const&, Pairs const&)>(&zo::GetModifierViewTraversalName)));
+    EXPECT_TRUE((Has<wstring(string const&, Query, H const&)>(&zo::FullTagFromView)));
 }
 
 } // namespace
