@@ -164,9 +164,12 @@ TEST_F(BindTest, AnAliasBelowANodeWithoutATagHasNoListOfItsOwn) {
         Untagged() : IZO(npos, nullptr, npos) {}
         zo::IZO* Clone() override { return new Untagged(*this); }
     };
-    meta::MetaTraitsStructure record;
-    record.kind = meta::Kind::Structure;
-    record.type = &typeid(fixture::TableText); // any type that the dam has not
+    static meta::MetaTraitsStructure const record = [] {
+        meta::MetaTraitsStructure structure;
+        structure.kind = meta::Kind::Structure;
+        structure.type = &typeid(fixture::TableText); // any type that the dam has not
+        return structure;
+    }();
     dam.registry->RegisterZO(htl::handle<zo::IODS>(new zo::ODSName("Scratch")), zo::H(new Untagged),
                              meta::MetaPersistTraits(meta::MetaPersistTraits::No, L""), meta::MetaDataTraits(record));
     dam.registry->OnPostRegistration();

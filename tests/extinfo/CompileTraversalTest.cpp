@@ -599,9 +599,12 @@ TEST_F(CompileTraversalTest, AListOfSeveralNodesMovesOnceAndThenAddsAliases) {
 
 TEST_F(CompileTraversalTest, MessagesCallANodeWithoutATagByItsName) {
     ViewModel other;
-    meta::MetaTraitsStructure record;
-    record.kind = meta::Kind::Structure;
-    record.type = &typeid(fixture::TableText); // any type that the dam has not
+    static meta::MetaTraitsStructure const record = [] {
+        meta::MetaTraitsStructure structure;
+        structure.kind = meta::Kind::Structure;
+        structure.type = &typeid(fixture::TableText); // any type that the dam has not
+        return structure;
+    }();
     struct Untagged : zo::IZO {
         Untagged() : IZO(npos, nullptr, npos) {}
         zo::IZO* Clone() override { return new Untagged(*this); }
