@@ -2,16 +2,28 @@
 
 #include "examples/slope/Aquifer.h"
 #include "examples/slope/Demo.h"
+#include "examples/slope/Display.h"
 #include "examples/slope/Document.h"
+#include "examples/slope/Grid.h"
 #include "examples/slope/Import.h"
 #include "examples/slope/Options.h"
 #include "examples/slope/Progress.h"
+#include "examples/slope/Report.h"
 #include "examples/slope/SetValues.h"
 #include "examples/slope/Text.h"
 #include "examples/slope/Tree.h"
 
+#include "support/locale.h"
+
+#include <array>
 #include <charconv>
+#include <cstdlib>
+#include <filesystem>
 #include <ostream>
+#include <string_view>
+#include <system_error>
+
+#include <unistd.h>
 
 namespace slope {
 
@@ -136,6 +148,104 @@ int Import(Options const& options, Streams const& streams) {
     return exitOk;
 }
 
+Language LanguageOf(Options const& options) { return options.lang == "de" ? Language::German : Language::English; }
+
+/// Makes a loaded document ready for people.
+htl::status Present(Document& document, Options const& options) {
+    std::optional<UnitSystem> shown;
+    if (options.units == "si") shown = UnitSystem::Metric;
+    if (options.units == "us") shown = UnitSystem::Imperial;
+    return document.Present(shown);
+}
+
+/// What the options ask to see.
+int QueryOf(Options const& options) {
+    using hzn::apptype::Value;
+    struct Analysis {
+        std::string_view word;
+        Value value;
+    };
+    constexpr std::array analyses{
+        Analysis{"solute", Value::Solute}, Analysis{"dynamic", Value::Dynamic}, Analysis{"water", Value::Water},
+        Analysis{"stress", Value::Stress}, Analysis{"slope", Value::Slope},     Analysis{"heat", Value::Heat},
+        Analysis{"air", Value::Air},       Analysis{"project", Value::Project}, Analysis{"all", Value::AllPhysics}};
+    int query = options.view == "data" ? dataView : options.view == "property" ? propertyView : reportView;
+    for (Analysis const& analysis : analyses)
+        if (options.physics == analysis.word) query |= zo::visible::Mask(analysis.value);
+    using hzn::appmode::Value::Any;
+    using hzn::appmode::Value::Contour;
+    using hzn::appmode::Value::Define;
+    return query | zo::visible::Mask(options.mode == "define" ? Define : options.mode == "contour" ? Contour : Any);
+}
+
+bool UsesColor(Options const& options) {
+    if (options.color != "auto") return options.color == "always";
+    auto const set = [](char const* name) {
+        char const* const value = std::getenv(name);
+        return std::string_view(value ? value : "");
+    };
+    return isatty(STDOUT_FILENO) && set("NO_COLOR").empty() && !set("TERM").empty() && set("TERM") != "dumb";
+}
+
+int ShowGrid(Options const& options, Streams const& streams) {
+    Document document(LanguageOf(options));
+    LoadReport const report = LoadWithProgress(document, options.arguments[0]);
+    if (!Warn(report, options.arguments[0], streams)) return exitProblems;
+    if (htl::status const failure = Present(document, options); failure.IsError())
+        return streams.Problem(Message(failure));
+    PrintGrid(streams.out, Display(document), document.Root(), QueryOf(options), UsesColor(options));
+    return report.IsClean() ? exitOk : exitProblems;
+}
+
+/// The node's name in reports, with one blank where the library joins two pieces by two.
+std::string NameInReports(zo::H const& node) {
+    std::wstring const name = zo::PrettyPrintName(node, L'/');
+    std::wstring text;
+    for (wchar_t const c : name)
+        if (c != L' ' || (!text.empty() && text.back() != L' ')) text += c;
+    return Narrow(text);
+}
+
+int Explain(Options const& options, Streams const& streams) {
+    Document document(LanguageOf(options));
+    LoadReport const report = LoadWithProgress(document, options.arguments[0]);
+    if (!Warn(report, options.arguments[0], streams)) return exitProblems;
+    if (htl::status const failure = Present(document, options); failure.IsError())
+        return streams.Problem(Message(failure));
+    zo::H const node = Lookup(document, options);
+    if (!node) return streams.Problem(NothingThere(options));
+    std::string const name = NameInReports(node);
+    if (!name.empty()) streams.out << name << "\n\n";
+    streams.out << Narrow(zo::ExplainFields(node).Text()) << '\n'
+                << Narrow(zo::ExplainVisibility(node, QueryOf(options)).Text());
+    return report.IsClean() ? exitOk : exitProblems;
+}
+
+int WriteReport(Options const& options, Streams const& streams) {
+    std::string const &file = options.arguments[0], &page = options.arguments[1];
+    std::error_code ignored; // without either file there is nothing to lose
+    if (std::filesystem::equivalent(file, page, ignored))
+        return streams.Problem(page + " is the project itself; a page needs a file of its own.");
+    Document document(LanguageOf(options));
+    LoadReport const report = LoadWithProgress(document, file);
+    if (!Warn(report, file, streams)) return exitProblems;
+    htl::status failure = Present(document, options);
+    if (!failure.IsError())
+        failure = WritePage(page, ReportPage(document, std::filesystem::path(file).filename().string()));
+    if (failure.IsError()) return streams.Problem(Message(failure));
+    streams.out << "The report is in " << page << '\n';
+    return report.IsClean() ? exitOk : exitProblems;
+}
+
+int CheckTables(Streams const& streams) {
+    Document document(Language::German); // whose table lies over the English one
+    htl::status const failure = document.Present();
+    if (failure.IsError()) streams.Problem(Message(failure));
+    zo::TableReport const report = zo::CheckTable();
+    streams.out << Narrow(report.Text()) << report.SkeletonRows();
+    return failure.IsError() || !report.IsClean() ? exitProblems : exitOk;
+}
+
 int Large(Options const& options, Streams const& streams) {
     std::size_t count = largeCellCount;
     if (!options.arguments.empty()) {
@@ -164,11 +274,17 @@ int RunCommandLine(std::vector<std::string> const& words, std::ostream& out, std
         return exitOk;
     }
     Streams const streams{out, err};
+    // Numbers go with the words around them, whatever the system is set to.
+    str::locale::SetNative({WordsOf(LanguageOf(options)).decimalPoint, L'\0'});
     if (options.command == "show") return Show(options, streams);
     if (options.command == "get") return Get(options, streams);
     if (options.command == "set") return Set(options, streams);
     if (options.command == "check") return Check(options, streams);
     if (options.command == "import") return Import(options, streams);
+    if (options.command == "grid") return ShowGrid(options, streams);
+    if (options.command == "explain") return Explain(options, streams);
+    if (options.command == "report") return WriteReport(options, streams);
+    if (options.command == "table") return CheckTables(streams);
     if (options.command == "large") return Large(options, streams);
     return RunDemo(options.data.empty() ? DefaultDataFolder() : options.data, options.problem, options.out, out, err)
                ? exitOk

@@ -1,11 +1,14 @@
 #include "examples/slope/Demo.h"
 
 #include "examples/slope/Aquifer.h"
+#include "examples/slope/Display.h"
 #include "examples/slope/Document.h"
 #include "examples/slope/EditJob.h"
 #include "examples/slope/Folder.h"
+#include "examples/slope/Grid.h"
 #include "examples/slope/Import.h"
 #include "examples/slope/Progress.h"
+#include "examples/slope/Report.h"
 #include "examples/slope/Table.h"
 #include "examples/slope/Text.h"
 #include "examples/slope/Tree.h"
@@ -120,6 +123,8 @@ public:
             out << "\nUsing the published soil in a metric project\n";
             good &= TakeIntoMetric(published.front(), out);
         }
+        out << "\nWhat people see of the saved file in a report\n";
+        good &= Show_(folder, content.name);
         out << '\n';
         return good;
     }
@@ -127,6 +132,23 @@ public:
     RoundTrip roundTrip;
 
 private:
+    /// Loads the file that was saved, prints the report view and writes the page.
+    bool Show_(Folder const& folder, std::string const& name) {
+        Document document;
+        LoadReport const report = document.Load(folder.File(name + ".xml"));
+        htl::status failure = report.failure;
+        if (!failure.IsError()) failure = document.Present();
+        if (!failure.IsError()) {
+            PrintGrid(out, Display(document), document.Root(), ReportQuery(), false);
+            failure = WritePage(folder.File(name + ".html"), ReportPage(document, name + ".xml"));
+        }
+        out << "  "
+            << (failure.IsError() ? "NOT SHOWN: " + Message(failure)
+                                  : "As a page with a cross-section: " + folder.Shown(name + ".html"))
+            << '\n';
+        return !failure.IsError();
+    }
+
     std::ostream& out;
     std::size_t elementLimit;
 };

@@ -2,9 +2,11 @@
 
 #include "examples/slope/Audit.h"
 #include "examples/slope/Modules.h"
+#include "examples/slope/TableText.h"
 #include "examples/slope/Text.h"
 
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 namespace slope {
@@ -14,11 +16,19 @@ namespace {
 constexpr hzn::version::NumberKind<0> formatVersion{1, 0};
 constexpr std::size_t mostBadValues = 11; // that a load names
 
+math::UnitSet SetOf(UnitSystem system) {
+    return hzn::units::SystemUnitSet(system == UnitSystem::Imperial ? math::unitsystem::Imperial
+                                                                    : math::unitsystem::Metric);
+}
+
+htl::status Read(std::string_view table) { return zo::ZOExtendedInfoRead(table.data(), table.data() + table.size()); }
+
 } // namespace
 
-Document::Document() : project(std::make_shared<Project>()), registry(new zo::ZORegistry) {
+Document::Document(Language language)
+    : language(language), project(std::make_shared<Project>()), registry(new zo::ZORegistry) {
     MakeCurrent();
-    RegisterModules(project);
+    RegisterModules(project, language);
 }
 
 Document::~Document() {
@@ -37,6 +47,20 @@ void Document::MakeCurrent() { zo::ZORegistry::SetInstance(registry.get()); }
 zo::H Document::Root() {
     MakeCurrent();
     return registry->Root();
+}
+
+htl::status Document::Present(std::optional<UnitSystem> shown) {
+    MakeCurrent();
+    // The registry may outlive the document.
+    auto const stored = [held = std::weak_ptr(project)] {
+        auto const there = held.lock();
+        return there ? SetOf(there->units) : math::UnitSet();
+    };
+    zo::RegisterUnitsProvider(stored, {},
+                              [stored, shown](hzn::units::Kind::Type) { return shown ? SetOf(*shown) : stored(); });
+    htl::status failure = Read(EnglishTable());
+    if (!failure.IsError() && language == Language::German) failure = Read(GermanTable());
+    return failure.IsError() ? failure : zo::CompileExtendedInfo();
 }
 
 zo::H Document::Find(std::string const& name) {
@@ -111,10 +135,7 @@ htl::status Document::Redo(zo::ZOJournal const& journal) {
     return journal.Redo(*registry);
 }
 
-math::UnitSet Document::Units() const {
-    return hzn::units::SystemUnitSet(project->units == UnitSystem::Imperial ? math::unitsystem::Imperial
-                                                                            : math::unitsystem::Metric);
-}
+math::UnitSet Document::Units() const { return SetOf(project->units); }
 
 void Document::CheckValues_(zo::H const& parent, std::vector<std::string>& invalid) {
     // Loading converts values and asks no rule, so that a file with a bad value can be opened and mended.

@@ -1,12 +1,14 @@
 // A project with everything that the library adds to it: names, tags, and a file.
 #pragma once
 
+#include "examples/slope/Language.h"
 #include "examples/slope/Model.h"
 
 #include <zo/zo.h>
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,8 +30,9 @@ struct LoadReport {
 /// operations below see to that themselves. Nodes that came from a document must be let go before it ends.
 class Document {
 public:
-    /// An empty project. Throws std::logic_error with all mistakes if the modules are declared wrong.
-    Document();
+    /// An empty project, for people who speak `language`. Throws std::logic_error with all mistakes if the modules are
+    /// declared wrong.
+    explicit Document(Language language = Language::English);
     Document(Document const&) = delete;
     Document& operator=(Document const&) = delete;
     ~Document();
@@ -40,6 +43,13 @@ public:
 
     void MakeCurrent();
     zo::H Root();
+    Language Speaks() const { return language; }
+    /// Reads the tables of labels and rules in the document's language, and lets people see values in the units of
+    /// `shown`, or as they are stored without it. Called once.
+    ///
+    /// From then on the library's labels, views and printed values work on this document. Failure: that of a table, or
+    /// of its compilation.
+    htl::status Present(std::optional<UnitSystem> shown = {});
     /// The node under a name, such as "Materials[0].Cohesion"; empty if there is none. Indices count from 0.
     zo::H Find(std::string const& name);
     /// The node under a tag, such as "Materials[1].Cohesion"; empty if there is none. Indices count from 1. Both go
@@ -70,6 +80,7 @@ public:
 private:
     static void CheckValues_(zo::H const& parent, std::vector<std::string>& invalid);
 
+    Language language;
     std::shared_ptr<Project> project;
     htl::handle<zo::ZORegistry> registry;
 };

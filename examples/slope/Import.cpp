@@ -33,7 +33,7 @@ constexpr std::array<std::string_view, 5> columns{"problem", "method", "factor_o
 enum { problem, method, factor, lambda, kind };
 } // namespace factorTable
 
-constexpr std::array<unsigned long, 4> layerColors{0xC8A165, 0x8C6D46, 0x5E6B73, 0x3F4A50};
+constexpr std::array<unsigned long, 4> layerColors{0x65A1C8, 0x466D8C, 0x736B5E, 0x504A3F}; // 0xBBGGRR
 
 /// Reads one problem. Each step stops at the first row that makes no sense.
 class Importer {

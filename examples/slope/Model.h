@@ -41,7 +41,7 @@ struct Material {
     double cohesion = 0;
     double friction = 0;
     double unitWeight = 0;
-    unsigned long color = 0xB0B0B0; // 0xRRGGBB
+    unsigned long color = 0xB0B0B0; // 0xBBGGRR, the order that the library has colours in
     std::array<double, 4> anisotropy{1, 1, 1,
                                      1}; // factor on the strength at 0, 30, 60 and 90 degrees to the horizontal
 };

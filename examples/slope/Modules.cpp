@@ -7,6 +7,8 @@
 
 #include <array>
 #include <stdexcept>
+#include <string_view>
+#include <vector>
 
 namespace slope {
 
@@ -16,37 +18,54 @@ using zo::kit::Kind;
 using zo::kit::Kit;
 using zo::kit::Persist;
 
-// The words of the enumerations: value, text in documents, short text, text for people. Documents keep the words, so an
-// enumerator may get another number, but no word another meaning.
+/// A word of an enumeration. Documents keep `text`, so an enumerator may get another number, but no word another
+/// meaning. Only what people read depends on their language.
+struct Word {
+    int value;
+    std::wstring_view text, abbreviated, english, german;
+};
 constexpr std::array unitSystemWords{
-    meta::EnumWord{int(UnitSystem::Metric), L"Metric", L"m", L"Metres, kilopascals"},
-    meta::EnumWord{int(UnitSystem::Imperial), L"Imperial", L"ft", L"Feet, pounds"},
+    Word{int(UnitSystem::Metric), L"Metric", L"m", L"Metres, kilopascals", L"Meter, Kilopascal"},
+    Word{int(UnitSystem::Imperial), L"Imperial", L"ft", L"Feet, pounds", L"Fuß, Pfund"},
 };
 constexpr std::array methodWords{
-    meta::EnumWord{int(Method::Ordinary), L"Ordinary", L"OMS", L"Ordinary method of slices"},
-    meta::EnumWord{int(Method::Bishop), L"Bishop", L"B", L"Bishop, simplified"},
-    meta::EnumWord{int(Method::Janbu), L"Janbu", L"J", L"Janbu, simplified and corrected"},
-    meta::EnumWord{int(Method::Spencer), L"Spencer", L"S", L"Spencer"},
-    meta::EnumWord{int(Method::MorgensternPrice), L"MorgensternPrice", L"MP", L"Morgenstern and Price"},
-    meta::EnumWord{int(Method::StrengthReduction), L"StrengthReduction", L"SR", L"Strength reduction"},
+    Word{int(Method::Ordinary), L"Ordinary", L"OMS", L"Ordinary method of slices", L"Lamellenverfahren nach Fellenius"},
+    Word{int(Method::Bishop), L"Bishop", L"B", L"Bishop, simplified", L"Bishop, vereinfacht"},
+    Word{int(Method::Janbu), L"Janbu", L"J", L"Janbu, simplified and corrected", L"Janbu, vereinfacht mit Beiwert"},
+    Word{int(Method::Spencer), L"Spencer", L"S", L"Spencer", L"Spencer"},
+    Word{int(Method::MorgensternPrice), L"MorgensternPrice", L"MP", L"Morgenstern and Price", L"Morgenstern und Price"},
+    Word{int(Method::StrengthReduction), L"StrengthReduction", L"SR", L"Strength reduction",
+         L"Abminderung der Festigkeit"},
 };
 constexpr std::array strengthWords{
-    meta::EnumWord{int(StrengthModel::MohrCoulomb), L"MohrCoulomb", L"MC", L"Cohesion and friction"},
-    meta::EnumWord{int(StrengthModel::Undrained), L"Undrained", L"U", L"Cohesion alone"},
-    meta::EnumWord{int(StrengthModel::Impenetrable), L"Impenetrable", L"I", L"No slip through it"},
+    Word{int(StrengthModel::MohrCoulomb), L"MohrCoulomb", L"MC", L"Cohesion and friction", L"Kohäsion und Reibung"},
+    Word{int(StrengthModel::Undrained), L"Undrained", L"U", L"Cohesion alone", L"Nur Kohäsion"},
+    Word{int(StrengthModel::Impenetrable), L"Impenetrable", L"I", L"No slip through it", L"Undurchdringlich"},
 };
 constexpr std::array lineRoleWords{
-    meta::EnumWord{int(LineRole::Ground), L"Ground", L"G", L"Ground surface"},
-    meta::EnumWord{int(LineRole::LayerBottom), L"LayerBottom", L"L", L"Bottom of a layer"},
+    Word{int(LineRole::Ground), L"Ground", L"G", L"Ground surface", L"Gelände"},
+    Word{int(LineRole::LayerBottom), L"LayerBottom", L"L", L"Bottom of a layer", L"Unterkante einer Schicht"},
 };
 constexpr std::array waterKindWords{
-    meta::EnumWord{int(WaterKind::PiezometricLine), L"PiezometricLine", L"line", L"Piezometric line"},
-    meta::EnumWord{int(WaterKind::PorePressureRatio), L"PorePressureRatio", L"ru", L"Pore pressure ratio"},
+    Word{int(WaterKind::PiezometricLine), L"PiezometricLine", L"line", L"Piezometric line", L"Piezometerlinie"},
+    Word{int(WaterKind::PorePressureRatio), L"PorePressureRatio", L"ru", L"Pore pressure ratio",
+         L"Porenwasserdruckbeiwert"},
 };
 constexpr std::array factorSourceWords{
-    meta::EnumWord{int(FactorSource::Published), L"Published", L"P", L"Published by the source"},
-    meta::EnumWord{int(FactorSource::Recomputed), L"Recomputed", L"R", L"Recomputed as a check"},
+    Word{int(FactorSource::Published), L"Published", L"P", L"Published by the source", L"Veröffentlicht"},
+    Word{int(FactorSource::Recomputed), L"Recomputed", L"R", L"Recomputed as a check", L"Nachgerechnet"},
 };
+
+/// Declares an enumeration with what people read in their language.
+template <class E, std::size_t N>
+void Enum(Kit& kit, std::array<Word, N> const& words, Language language,
+          zo::kit::Place place = zo::kit::Place::Here()) {
+    std::vector<meta::EnumWord> chosen;
+    for (Word const& word : words)
+        chosen.push_back(
+            {word.value, word.text, word.abbreviated, language == Language::German ? word.german : word.english});
+    kit.Enum<E>(chosen, place);
+}
 
 /// Where a branch finds its object: a function that gives a part of the project, null once the project is gone.
 template <class T>
@@ -81,9 +100,9 @@ bool HasAquifer(Project const& project) { return static_cast<bool>(project.aquif
 void SetHasAquifer(Project& project, bool wanted) { Make(project.aquifer, wanted); }
 int PointCount(Project const& project) { return static_cast<int>(project.points.size()); }
 
-void ProjectModule(Kit& kit, std::shared_ptr<Project> const& project) {
-    kit.Enum<UnitSystem>(unitSystemWords);
-    kit.Enum<Method>(methodWords);
+void ProjectModule(Kit& kit, std::shared_ptr<Project> const& project, Language language) {
+    Enum<UnitSystem>(kit, unitSystemWords, language);
+    Enum<Method>(kit, methodWords, language);
     kit.Record<Settings>("Settings")
         .Field<&Settings::method>("Method", L"Method")
         .Field<&Settings::tolerance>("Tolerance", L"Tolerance", {.min = 1e-12, .max = 0.1})
@@ -108,8 +127,8 @@ void ProjectModule(Kit& kit, std::shared_ptr<Project> const& project) {
     kit.Alias("CurrentAnalysis", L"CurrentAnalysis", "Project.CurrentAnalysis.@");
 }
 
-void MaterialModule(Kit& kit, std::shared_ptr<Project> const& project) {
-    kit.Enum<StrengthModel>(strengthWords);
+void MaterialModule(Kit& kit, std::shared_ptr<Project> const& project, Language language) {
+    Enum<StrengthModel>(kit, strengthWords, language);
     kit.Record<Material>("Material")
         .Field<&Material::name>("Name", L"Name")
         .Field<&Material::strength>("Strength", L"Strength")
@@ -122,8 +141,8 @@ void MaterialModule(Kit& kit, std::shared_ptr<Project> const& project) {
                                       {.recordGroup = materialRecords});
 }
 
-void GeometryModule(Kit& kit, std::shared_ptr<Project> const& project) {
-    kit.Enum<LineRole>(lineRoleWords);
+void GeometryModule(Kit& kit, std::shared_ptr<Project> const& project, Language language) {
+    Enum<LineRole>(kit, lineRoleWords, language);
     kit.Record<Point>("Point", {.attributes = true}) // <Point X="48" Y="35"/>
         .Field<&Point::x>("X", L"X", {.unit = Kind::Length})
         .Field<&Point::y>("Y", L"Y", {.unit = Kind::Length});
@@ -141,18 +160,26 @@ void GeometryModule(Kit& kit, std::shared_ptr<Project> const& project) {
                                     {.recordGroup = regionRecords});
 }
 
-void WaterModule(Kit& kit, std::shared_ptr<Project> const& project) {
-    kit.Enum<WaterKind>(waterKindWords);
+void WaterModule(Kit& kit, std::shared_ptr<Project> const& project, Language language) {
+    Enum<WaterKind>(kit, waterKindWords, language);
+    // People see only what goes with the kind of water; the other is kept.
+    auto const onlyFor = [&](WaterKind kind) {
+        return [weak = std::weak_ptr(project), kind](zo::IZO const&) {
+            auto const held = weak.lock();
+            return held && held->water && held->water->kind == kind;
+        };
+    };
     kit.Record<WaterTable>("WaterTable")
         .Field<&WaterTable::kind>("Kind", L"Kind")
-        .Field<&WaterTable::porePressureRatio>("PorePressureRatio", L"PorePressureRatio",
-                                               {.missing = missing, .min = 0, .max = 1})
-        .Array<&WaterTable::points>("Points", L"Points[Point]");
+        .Field<&WaterTable::porePressureRatio>(
+            "PorePressureRatio", L"PorePressureRatio",
+            {.missing = missing, .min = 0, .max = 1, .visible = onlyFor(WaterKind::PorePressureRatio)})
+        .Array<&WaterTable::points>("Points", L"Points[Point]", {.visible = onlyFor(WaterKind::PiezometricLine)});
     kit.Branch<WaterTable>("Water", L"Water", Part(project, &Project::water));
 }
 
-void AnalysisModule(Kit& kit, std::shared_ptr<Project> const& project) {
-    kit.Enum<FactorSource>(factorSourceWords);
+void AnalysisModule(Kit& kit, std::shared_ptr<Project> const& project, Language language) {
+    Enum<FactorSource>(kit, factorSourceWords, language);
     kit.Record<Analysis>("Analysis")
         .Field<&Analysis::method>("Method", L"Method")
         .Link<&Analysis::region>("Region", L"Region", regionRecords, {.persist = Persist::IfNotDefault})
@@ -168,7 +195,7 @@ void AnalysisModule(Kit& kit, std::shared_ptr<Project> const& project) {
                                         Part(project, &Project::slipCircles));
 }
 
-void AquiferModule(Kit& kit, std::shared_ptr<Project> const& project) {
+void AquiferModule(Kit& kit, std::shared_ptr<Project> const& project, Language) {
     // Values at their defaults are left out: of 106,257 records every attribute counts.
     kit.Record<Cell>("Cell", {.attributes = true})
         .Field<&Cell::number>("Number", L"N", {.persist = Persist::IfNotDefault})
@@ -185,11 +212,11 @@ void AquiferModule(Kit& kit, std::shared_ptr<Project> const& project) {
 
 } // namespace
 
-void RegisterModules(std::shared_ptr<Project> const& project) {
+void RegisterModules(std::shared_ptr<Project> const& project, Language language) {
     std::vector<zo::kit::Module> modules;
     for (auto* const declare :
          {&ProjectModule, &MaterialModule, &GeometryModule, &WaterModule, &AnalysisModule, &AquiferModule})
-        modules.emplace_back([=](Kit& kit) { declare(kit, project); });
+        modules.emplace_back([=](Kit& kit) { declare(kit, project, language); });
     zo::kit::Report const report = zo::kit::Register(modules);
     if (!report.IsClean()) throw std::logic_error(Narrow(report.Text()));
 

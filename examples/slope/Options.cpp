@@ -1,5 +1,7 @@
 #include "examples/slope/Options.h"
 
+#include "examples/slope/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -25,26 +27,58 @@ constexpr std::array commands{
             "--tag"},
     Command{"check", "FILE", "list everything that is wrong with a file", 1, 1, ""},
     Command{"import", "PROBLEM FILE", "save a published problem as a file", 2, 2, "--data"},
+    Command{"grid", "FILE", "print what people see of a file: label, value, unit", 1, 1,
+            "--view --physics --mode --lang --units --color"},
+    Command{"explain", "FILE NAME", "say who speaks for a node, and what shows or hides it", 2, 2,
+            "--view --physics --mode --lang --tag"},
+    Command{"report", "FILE PAGE", "write a page of HTML with a cross-section", 2, 2, "--lang --units"},
+    Command{"table", "", "check the application's tables of labels and rules", 0, 0, ""},
     Command{"large", "[COUNT]", "make, save, load and compare COUNT cells (106257)", 0, 1, "--out"},
 };
 
 struct Switch {
     std::string_view name, value, what;
+    std::string Options::*member = nullptr; // where its value goes
+    std::string_view words = {};            // that it may have; empty: any
 };
 
 constexpr std::array switches{
-    Switch{"--problem", "ID", "run only this problem: AT1, AT2, AT3, FK1, FK3 or GL1"},
-    Switch{"--data", "DIR", "read the tables of the published problems from DIR"},
-    Switch{"--out", "DIR", "save into DIR and keep the files; without it they are temporary"},
+    Switch{"--problem", "ID", "run only this problem: AT1, AT2, AT3, FK1, FK3 or GL1", &Options::problem},
+    Switch{"--data", "DIR", "read the tables of the published problems from DIR", &Options::data},
+    Switch{"--out", "DIR", "save into DIR and keep the files; without it they are temporary", &Options::out},
+    Switch{"--view", "WORD", "show a view: data, property or report (property)", &Options::view,
+           "data property report"},
+    Switch{"--physics", "WORD", "show what matters to an analysis (all): see below", &Options::physics,
+           "solute dynamic water stress slope heat air project all"},
+    Switch{"--mode", "WORD", "show what matters to a mode: define, contour or all (define)", &Options::mode,
+           "define contour all"},
+    Switch{"--lang", "WORD", "speak English or German: en or de (en)", &Options::lang, "en de"},
+    Switch{"--units", "WORD", "show metres and kilopascals or feet and pounds: si or us; the project's own without it",
+           &Options::units, "si us"},
+    Switch{"--color", "WORD", "show colours: always, never or auto, which looks at the terminal (auto)",
+           &Options::color, "always never auto"},
     Switch{"--tag", "", "NAME is a tag: as in documents, indices from 1"},
     Switch{"--help", "", "print this text"},
 };
 
-bool Takes(Command const& command, std::string_view name) {
-    std::size_t const place = command.switches.find(name);
-    if (place == std::string_view::npos) return false;
-    std::size_t const end = place + name.size();
-    return end == command.switches.size() || command.switches[end] == ' ';
+/// The words of a list with blanks between them.
+std::vector<std::string> Split(std::string_view list) {
+    std::vector<std::string> words;
+    str::split(words, std::string(list), " ");
+    return words;
+}
+
+bool Lists(std::string_view list, std::string_view word) {
+    std::vector<std::string> const words = Split(list);
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+/// "data, property or report"
+std::string Choice(std::string_view list) {
+    std::vector<std::string> words = Split(list);
+    std::string const last = words.back();
+    words.pop_back();
+    return Join(words, ", ") + " or " + last;
 }
 
 std::string Padded(std::string text, std::size_t width) {
@@ -92,7 +126,11 @@ bool ParseOptions(std::vector<std::string> const& words, Options& options, std::
             mistake = word + " needs a value.";
             return false;
         }
-        (word == "--problem" ? options.problem : word == "--data" ? options.data : options.out) = words[i];
+        if (!found->words.empty() && !Lists(found->words, words[i])) {
+            mistake = word + " takes " + Choice(found->words) + ", and not \"" + words[i] + "\".";
+            return false;
+        }
+        options.*found->member = words[i];
     }
     if (options.help) return true;
 
@@ -113,7 +151,7 @@ bool ParseOptions(std::vector<std::string> const& words, Options& options, std::
         return false;
     }
     for (std::string const& name : given)
-        if (!Takes(*command, name)) {
+        if (!Lists(command->switches, name)) {
             mistake = options.command + " takes no " + name + ".";
             return false;
         }
@@ -143,6 +181,7 @@ std::string HelpText() {
         "Names go through links and other names: Regions[2].Material.Cohesion, CurrentAnalysis.Method.\n"
         "`set` takes its pairs in any order; lengths and links come first by themselves, and Project.HasWater makes\n"
         "the water before its values are set. If one is refused, all that is wrong is listed and nothing is saved.\n"
+        "Analyses are solute, dynamic, water, stress, slope, heat, air and project; all stands for each of them.\n"
         "A file is only ever replaced as a whole, and `set` doesn't touch one of which it couldn't read everything.\n"
         "\n"
         "Exit status: 0 all is well; 1 something was refused, differs, or is wrong with a file; 2 the command line\n"

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,17 +17,29 @@ public:
         bool right = false; // aligned to the right, as numbers are
     };
 
+    /// A patch of colour in front of a cell, 0xBBGGRR.
+    struct Swatch {
+        std::size_t column = 0;
+        unsigned long color = 0;
+    };
+
     explicit Table(std::vector<Column> columns);
 
     /// Cells that are left out are empty.
-    void Add(std::vector<std::string> cells);
+    void Add(std::vector<std::string> cells, std::optional<Swatch> swatch = {});
     bool IsEmpty() const { return rows.empty(); }
     /// Two columns of blanks before each line and between each two cells; a column without any cell isn't printed.
-    void Print(std::ostream& out) const;
+    /// Swatches are printed only in `color`, as escape sequences of terminals.
+    void Print(std::ostream& out, bool color = false) const;
 
 private:
+    struct Row {
+        std::vector<std::string> cells;
+        std::optional<Swatch> swatch;
+    };
+
     std::vector<Column> columns;
-    std::vector<std::vector<std::string>> rows;
+    std::vector<Row> rows;
 };
 
 } // namespace slope

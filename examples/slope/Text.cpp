@@ -57,11 +57,21 @@ std::size_t Width(std::string_view text) {
     return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), Begins));
 }
 
+std::size_t ControlLength(std::string_view text) {
+    auto const byte = static_cast<unsigned char>(text[0]);
+    if (byte < 0x20 || byte == 0x7F) return 1;
+    // U+0080 to U+009F in UTF-8.
+    return byte == 0xC2 && text.size() > 1 && static_cast<unsigned char>(text[1]) < 0xA0 ? 2 : 0;
+}
+
 std::string Fit(std::string_view text, std::size_t width) {
-    std::string line(text);
     // A value may hold anything; a line end or an escape sequence would spoil the table, or the terminal.
-    for (char& byte : line)
-        if (static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F) byte = ' ';
+    std::string line;
+    while (!text.empty()) {
+        std::size_t const control = ControlLength(text);
+        line += control ? ' ' : text[0];
+        text.remove_prefix(control ? control : 1);
+    }
     if (Width(line) <= width) return line;
     std::size_t const kept = width > 3 ? width - 3 : 0;
     std::size_t end = 0;

@@ -30,6 +30,8 @@ std::string Count(std::size_t count, std::string const& singular, std::string co
 
 /// How many columns a text takes on a terminal: one for each character.
 std::size_t Width(std::string_view text);
+/// How many bytes of a text that isn't empty are a control character at its beginning; 0 for any other character.
+std::size_t ControlLength(std::string_view text);
 /// The text, cut to `width` columns with "..." at its end where it is longer, control characters as blanks.
 std::string Fit(std::string_view text, std::size_t width);
 

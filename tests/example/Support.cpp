@@ -26,6 +26,8 @@ void WriteFile(std::string const& path, std::string const& text) {
     EXPECT_TRUE(file.flush()) << path;
 }
 
+std::string Expected(std::string const& name) { return ReadFile(std::string(SLOPE_EXPECTED_FOLDER "/") + name); }
+
 void Replace(std::string const& path, std::string const& from, std::string const& to) {
     std::string text = ReadFile(path);
     std::size_t const place = text.find(from);
@@ -69,6 +71,11 @@ FolderTest::FolderTest() : folder(testing::TempDir() + "slope-test-XXXXXX") {
 FolderTest::~FolderTest() {
     std::error_code ignored; // a leftover among temporary files fails no test
     std::filesystem::remove_all(folder, ignored);
+}
+
+void FileTest::Import(std::string const& problem) {
+    Outcome const outcome = Slope({"import", problem, file});
+    ASSERT_EQ(outcome.exitStatus, 0) << outcome.err;
 }
 
 void ProblemTest::Import(std::string const& problem) {

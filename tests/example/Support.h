@@ -14,6 +14,9 @@ namespace example {
 std::string ReadFile(std::string const& path);
 void WriteFile(std::string const& path, std::string const& text);
 
+/// What a command has to print, from the folder of expected outputs.
+std::string Expected(std::string const& name);
+
 /// Replaces the one place in a file that holds `from`; the test fails if there is none, or more.
 void Replace(std::string const& path, std::string const& from, std::string const& to);
 
@@ -35,6 +38,15 @@ protected:
     std::string File(std::string const& name) const { return folder + "/" + name; }
 
     std::string folder;
+};
+
+/// A test on the command line with a file of its own.
+class FileTest : public FolderTest {
+protected:
+    /// Makes the file from a published problem.
+    void Import(std::string const& problem);
+
+    std::string file = File("slope.xml");
 };
 
 /// A test on a document with a published problem.
