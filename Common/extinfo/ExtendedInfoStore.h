@@ -168,9 +168,8 @@ private:
 
     htl::status Join_();
     htl::status FillDefault_();
-    htl::status CheckEntries_() const;
-    htl::status ListWildcards_();
-    void IndexRows_();
+    htl::status CheckEntries_();
+    void IndexEntries_();
 
     std::size_t LookupRow_(std::size_t row, unsigned field);
     bool SearchRow_(ZORegistryImpl const& tables, std::size_t row, unsigned field, std::size_t& candidate,
@@ -185,6 +184,7 @@ private:
     void SyncRows_(ZORegistryImpl const& tables);
     bool IsAliasRow_(std::size_t row) const noexcept { return row < searches.size() && searches[row].flags & Alias; }
     Place TypeOf_(meta::MetaDataTraits const& traits);
+    Place Bisect_(std::wstring_view tag) const noexcept;
     Place FindExact_(std::wstring_view tag) const noexcept;
     Place FindBelow_(TypeSearch const& type, std::wstring_view path) const noexcept;
     Place FindQualified_(ZORegistryImpl const& tables, std::size_t row);
@@ -199,6 +199,15 @@ private:
     std::atomic<bool> compiled = false;
     bool finished = false;
     bool secondTable = false;
+
+    // Entries by their tags, the first of equal ones: a table with open places. The hash's own start keeps tables from
+    // being made to collide.
+    struct TagSlot {
+        std::uint32_t hash;
+        Place entry;
+    };
+    std::vector<TagSlot> tagSlots; // a power of two, at most two thirds taken
+    std::uint64_t HashOf_(std::wstring_view tag) const noexcept;
 
     // By entry.
     std::vector<std::uint8_t> entryFlags;

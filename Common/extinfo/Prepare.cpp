@@ -8,6 +8,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 
 namespace zo {
@@ -15,8 +16,11 @@ namespace {
 
 using Field = ExtendedInfoField;
 
-std::size_t CountStars(std::wstring const& text) {
-    return static_cast<std::size_t>(std::count(text.begin(), text.end(), L'*'));
+// The number of "*", where more than two are as good as two.
+unsigned CountStars(std::wstring const& text) {
+    std::size_t const first = text.find(L'*');
+    if (first == text.npos) return 0;
+    return text.find(L'*', first + 1) == text.npos ? 1 : 2;
 }
 
 template <class... A>
@@ -28,13 +32,13 @@ htl::status Failure(wchar_t const* pattern, A const&... arguments) {
 htl::status CheckItem(std::wstring const& tag, ViewTravItem const& item) {
     htl::status result;
     std::wstring const& source = item.SourceTag;
-    std::size_t const sourceStars = CountStars(source);
+    unsigned const sourceStars = CountStars(source);
     if (sourceStars == 1 && !source.ends_with(L".*"))
         result = Failure(L"%s: Traversal source tags can only end in '.*': %s", tag, source);
     if (sourceStars > 1)
         result = Failure(L"%s: Traversal source tags do not support multiple wildcards : %s", tag, source);
     std::wstring const& dest = item.DestTag;
-    std::size_t const destStars = CountStars(dest);
+    unsigned const destStars = CountStars(dest);
     if (destStars == 1 && dest.back() != L'*')
         result = Failure(L"%s: Traversal destination tags can only end in '*': %s", tag, dest);
     if (destStars > 1)
@@ -56,7 +60,6 @@ htl::status ExtendedInfoStore::Prepare_() {
     };
     keepFailure(Join_());
     keepFailure(FillDefault_());
-    keepFailure(ListWildcards_());
     keepFailure(CheckEntries_());
     if (result.IsError()) return result;
 
@@ -69,7 +72,7 @@ htl::status ExtendedInfoStore::Prepare_() {
         entryFlags[wildcard] |= General;
         generalFields |= entries[wildcard].fields;
     }
-    IndexRows_();
+    IndexEntries_();
     compiled = true;
     return {};
 }
@@ -121,7 +124,7 @@ htl::status ExtendedInfoStore::Join_() {
 }
 
 htl::status ExtendedInfoStore::FillDefault_() {
-    Place const place = FindExact_(L"Default");
+    Place const place = Bisect_(L"Default");
     if (place == none) return htl::status::FromText(L"ExtendedInfo should always have a 'Default' entry.");
     defaultEntry = entries[place];
     // As if each field were copied from the entry to itself.
@@ -129,44 +132,42 @@ htl::status ExtendedInfoStore::FillDefault_() {
     return {};
 }
 
-htl::status ExtendedInfoStore::ListWildcards_() {
-    htl::status result;
+// Lists the wildcards and checks all tags. One walk, since entries are large: failures of single stars, which count as
+// found before all others, are kept apart.
+htl::status ExtendedInfoStore::CheckEntries_() {
+    htl::status star;
+    htl::status other;
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        std::wstring const& tag = entries[i].Tag;
-        if (tag.find(L'*') == tag.npos) continue;
-        wildcards.push_back(static_cast<Place>(i));
-        if (tag.size() == 1)
-            result = Failure(L"%s '*' is not allowed; it matches everything and destroys all other lookup logic", tag);
-    }
-    return result;
-}
-
-htl::status ExtendedInfoStore::CheckEntries_() const {
-    htl::status result;
-    for (ExtendedInfoEntry const& entry : entries) {
-        if (CountStars(entry.Tag) > 1)
-            result = Failure(L"%s Multiple wildcards in the same match string are not supported", entry.Tag);
+        ExtendedInfoEntry const& entry = entries[i];
+        if (unsigned const stars = CountStars(entry.Tag)) {
+            wildcards.push_back(static_cast<Place>(i));
+            if (entry.Tag.size() == 1)
+                star = Failure(L"%s '*' is not allowed; it matches everything and destroys all other lookup logic",
+                               entry.Tag);
+            if (stars > 1)
+                other = Failure(L"%s Multiple wildcards in the same match string are not supported", entry.Tag);
+        }
         for (ViewTravItem const& item : entry.viewTravList)
-            if (htl::status failure = CheckItem(entry.Tag, item); failure.IsError()) result = std::move(failure);
+            if (htl::status failure = CheckItem(entry.Tag, item); failure.IsError()) other = std::move(failure);
     }
-    return result;
+    return other.IsError() ? other : star;
 }
 
-// One question to the registry for each entry, rather than a search in the table for each row.
-void ExtendedInfoStore::IndexRows_() {
-    ZORegistryImpl const& tables = impl::Current();
-    SyncRows_(tables);
+void ExtendedInfoStore::IndexEntries_() {
+    tagSlots.assign(std::bit_ceil(entries.size() + entries.size() / 2 + 1), {0, none});
+    std::size_t const mask = tagSlots.size() - 1;
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        std::size_t const row = tables.RowOfTag(entries[i].Tag);
-        if (row >= searches.size() || searches[row].exact != unknown) continue;
-        searches[row].exact = static_cast<Place>(i);
+        std::uint64_t const hash = HashOf_(entries[i].Tag);
+        auto const part = static_cast<std::uint32_t>(hash);
+        for (std::size_t at = hash >> 32 & mask;; at = (at + 1) & mask) {
+            TagSlot& slot = tagSlots[at];
+            if (slot.entry == none) {
+                slot = {part, static_cast<Place>(i)};
+                break;
+            }
+            if (slot.hash == part && entries[slot.entry].Tag == entries[i].Tag) break;
+        }
     }
-    // A tag that several rows have leads to one of them. All others without an entry are known to have none.
-    std::size_t tagged = 0;
-    for (RowSearch const& search : searches) tagged += (search.flags & Tagged) != 0;
-    if (tagged != tables.tagIndex.size()) return;
-    for (RowSearch& search : searches)
-        if (search.exact == unknown) search.exact = none;
 }
 
 bool ExtendedInfoStore::HasSecondTable() const {

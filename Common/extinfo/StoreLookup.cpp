@@ -13,6 +13,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 #include <functional>
 #include <utility>
@@ -310,10 +311,17 @@ void ExtendedInfoStore::SyncRows_(ZORegistryImpl const& tables) {
     std::size_t const end = tables.RowCount();
     if (begin >= end) return;
     searches.resize(end);
+    meta::MetaTraits const* lastTraits = nullptr;
+    Place lastType = none;
     for (std::size_t row = begin; row < end; ++row) {
         RowSearch& search = searches[row];
         meta::MetaDataTraits const& traits = tables.dataTraits[row];
-        search.type = TypeOf_(traits);
+        // Rows of one type often come one after the other.
+        if (lastType == none || traits.Descriptor() != lastTraits) {
+            lastTraits = traits.Descriptor();
+            lastType = TypeOf_(traits);
+        }
+        search.type = lastType;
         search.flags = (tables.aliasBits[row] ? Alias : 0u) | (traits.AsAtomic() ? Atomic : 0u) |
                        (tables.tagNames[row].empty() ? 0u : Tagged);
         // Parents have rows before their children.
@@ -351,7 +359,32 @@ ExtendedInfoStore::Place ExtendedInfoStore::TypeOf_(meta::MetaDataTraits const& 
     return known->second;
 }
 
+std::uint64_t ExtendedInfoStore::HashOf_(std::wstring_view tag) const noexcept {
+    // Two sums at a time, as each waits for its own product.
+    constexpr std::uint64_t factor = 0x9e3779b97f4a7c15u;
+    std::uint64_t even = reinterpret_cast<std::uintptr_t>(this) * factor;
+    std::uint64_t odd = tag.size();
+    std::size_t i = 0;
+    for (; i + 1 < tag.size(); i += 2) {
+        even = (std::rotl(even, 5) ^ static_cast<std::uint32_t>(tag[i])) * factor;
+        odd = (std::rotl(odd, 5) ^ static_cast<std::uint32_t>(tag[i + 1])) * factor;
+    }
+    if (i < tag.size()) even = (std::rotl(even, 5) ^ static_cast<std::uint32_t>(tag[i])) * factor;
+    std::uint64_t const both = (even ^ std::rotl(odd, 32)) * factor;
+    return both ^ both >> 29;
+}
+
 ExtendedInfoStore::Place ExtendedInfoStore::FindExact_(std::wstring_view tag) const noexcept {
+    std::uint64_t const hash = HashOf_(tag);
+    auto const part = static_cast<std::uint32_t>(hash);
+    std::size_t const mask = tagSlots.size() - 1;
+    for (std::size_t at = hash >> 32 & mask;; at = (at + 1) & mask) {
+        TagSlot const& slot = tagSlots[at];
+        if (slot.entry == none || (slot.hash == part && entries[slot.entry].Tag == tag)) return slot.entry;
+    }
+}
+
+ExtendedInfoStore::Place ExtendedInfoStore::Bisect_(std::wstring_view tag) const noexcept {
     auto const at = std::lower_bound(
         entries.begin(), entries.end(), tag,
         [](ExtendedInfoEntry const& entry, std::wstring_view key) { return str::CompareUtf16(entry.Tag, key) < 0; });
