@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t mostComponents = ZOTransaction::mostComponents;
 /// Of what stands below links and aliases.
-constexpr std::size_t mostBelowRedirects = 10'000'000;
+constexpr std::size_t mostBelowRedirects = 2'000'000;
 
 /// The children of one node on the way down.
 struct Level {
