@@ -47,7 +47,7 @@ htl::status ExtendedInfoStore::Bind_(std::size_t firstAlias) {
     std::vector<bool> isUsed(entries.size(), false);
     regIDMap.assign(rowCount, End);
     for (std::size_t row = 0; row < rowCount; ++row) {
-        std::size_t const index = Lookup(row, ExtendedInfoField::Whole);
+        std::size_t const index = LookupRow_(row, ExtendedInfoField::Whole);
         if (index == End) continue;
         regIDMap[row] = index;
         isUsed[index] = true;

@@ -32,6 +32,7 @@ ZO_API ExtendedInfoStore& Store();
 htl::status AlreadyCompiled();
 
 class TagMatcher;
+class ViewShaper;
 
 } // namespace extinfo
 
@@ -120,6 +121,8 @@ public:
     sys::thread::impl::ProcessExclusiveAccess& Lock() noexcept { return lock; }
 
 private:
+    friend class extinfo::ViewShaper; // asks for each row while it holds the lock
+
     /// Reads what `parse`, called with a reader, takes apart.
     template <class Parse>
     htl::status Read_(Parse const& parse);
@@ -169,7 +172,7 @@ private:
     htl::status Join_();
     htl::status FillDefault_();
     htl::status CheckEntries_();
-    void IndexEntries_();
+    void NoteTexts_(std::size_t index);
 
     std::size_t LookupRow_(std::size_t row, unsigned field);
     bool SearchRow_(ZORegistryImpl const& tables, std::size_t row, unsigned field, std::size_t& candidate,
@@ -185,7 +188,10 @@ private:
     bool IsAliasRow_(std::size_t row) const noexcept { return row < searches.size() && searches[row].flags & Alias; }
     Place TypeOf_(meta::MetaDataTraits const& traits);
     Place Bisect_(std::wstring_view tag) const noexcept;
-    Place FindExact_(std::wstring_view tag) const noexcept;
+    std::uint64_t HashOf_(std::wstring_view tag) const noexcept;
+    Place FindExact_(std::wstring_view tag, std::uint64_t hash) const noexcept;
+    Place FindExact_(std::wstring_view tag) const noexcept { return FindExact_(tag, HashOf_(tag)); }
+    void FindExactFrom_(ZORegistryImpl const& tables, std::size_t row);
     Place FindBelow_(TypeSearch const& type, std::wstring_view path) const noexcept;
     Place FindQualified_(ZORegistryImpl const& tables, std::size_t row);
     Place FindQualified_(IZO& node, std::wstring_view tag, std::wstring_view normal);
@@ -207,7 +213,6 @@ private:
         Place entry;
     };
     std::vector<TagSlot> tagSlots; // a power of two, at most two thirds taken
-    std::uint64_t HashOf_(std::wstring_view tag) const noexcept;
 
     // By entry.
     std::vector<std::uint8_t> entryFlags;
@@ -218,6 +223,7 @@ private:
     std::shared_ptr<extinfo::TagMatcher const> matcher;
     // Fields that some general entry has from anywhere but the default entry.
     std::bitset<ExtendedInfoField::count> generalFields;
+    bool unstatedIsWhole = true; // no mask lacks bits of a field that its entry came without
 
     std::vector<RowSearch> searches; // by row
     std::vector<TypeSearch> types;

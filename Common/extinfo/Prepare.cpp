@@ -28,6 +28,14 @@ htl::status Failure(wchar_t const* pattern, A const&... arguments) {
     return htl::status::FromText(str::fmt::format(pattern, arguments...));
 }
 
+// Whether a mask has all bits of the fields that are not stated.
+bool UnstatedIsWhole(ExtendedInfoEntry const& entry) {
+    std::uint32_t const unstated = (entry.fields[Field::ViewExcl] ? 0 : viewmask::views) |
+                                   (entry.fields[Field::Physics] ? 0 : viewmask::physics) |
+                                   (entry.fields[Field::Mode] ? 0 : viewmask::modes);
+    return (entry.mask & unstated) == unstated;
+}
+
 // The last failure among the tags of one item; success if they are well-formed.
 htl::status CheckItem(std::wstring const& tag, ViewTravItem const& item) {
     htl::status result;
@@ -72,21 +80,22 @@ htl::status ExtendedInfoStore::Prepare_() {
         entryFlags[wildcard] |= General;
         generalFields |= entries[wildcard].fields;
     }
-    IndexEntries_();
     compiled = true;
     return {};
 }
 
-// Two texts of the second table, both sorted, go into the first.
+// Whose texts an entry has, before any others are joined to them.
+void ExtendedInfoStore::NoteTexts_(std::size_t index) {
+    auto const& fields = entries[index].fields;
+    entryFlags.push_back(static_cast<std::uint8_t>((fields[Field::Label] ? FirstLabel : 0) |
+                                                   (fields[Field::Description] ? FirstDescription : 0)));
+}
+
+// Two texts of the second table go into the first; both are sorted.
 htl::status ExtendedInfoStore::Join_() {
-    // Tables are joined once even if a check fails and more is read before the next attempt.
-    std::size_t const known = entryFlags.size();
-    std::size_t const firstEnd = firstTableCount == 0 ? entries.size() : firstTableCount;
-    entryFlags.resize(firstEnd);
-    for (std::size_t i = known; i < firstEnd; ++i)
-        entryFlags[i] = static_cast<std::uint8_t>((entries[i].fields[Field::Label] ? FirstLabel : 0) |
-                                                  (entries[i].fields[Field::Description] ? FirstDescription : 0));
     if (firstTableCount == 0) return {};
+    std::size_t const firstEnd = firstTableCount;
+    while (entryFlags.size() < firstEnd) NoteTexts_(entryFlags.size());
 
     htl::status result;
     std::size_t at = 0;
@@ -118,7 +127,7 @@ htl::status ExtendedInfoStore::Join_() {
     };
     if (!std::ranges::is_sorted(entries, before)) {
         std::ranges::stable_sort(entries, before);
-        entryFlags.clear();
+        entryFlags.clear(); // which table a text came with can't be told any more
     }
     return result;
 }
@@ -132,13 +141,29 @@ htl::status ExtendedInfoStore::FillDefault_() {
     return {};
 }
 
-// Lists the wildcards and checks all tags. One walk, since entries are large: failures of single stars, which count as
-// found before all others, are kept apart.
+// Lists the wildcards, checks all tags, and notes where entries are. One walk, since entries are large: failures of
+// single stars, which count as found before all others, are kept apart.
 htl::status ExtendedInfoStore::CheckEntries_() {
     htl::status star;
     htl::status other;
+    entryFlags.reserve(entries.size());
+    unstatedIsWhole = true;
+    tagSlots.assign(std::bit_ceil(entries.size() + entries.size() / 2 + 1), {0, none});
+    std::size_t const slots = tagSlots.size() - 1;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         ExtendedInfoEntry const& entry = entries[i];
+        // A table that is joined after a check failed has noted some before.
+        if (i == entryFlags.size()) NoteTexts_(i);
+        unstatedIsWhole = unstatedIsWhole && UnstatedIsWhole(entry);
+
+        std::uint64_t const hash = HashOf_(entry.Tag);
+        auto const part = static_cast<std::uint32_t>(hash);
+        std::size_t at = hash >> 32 & slots;
+        while (tagSlots[at].entry != none &&
+               (tagSlots[at].hash != part || entries[tagSlots[at].entry].Tag != entry.Tag))
+            at = (at + 1) & slots;
+        if (tagSlots[at].entry == none) tagSlots[at] = {part, static_cast<Place>(i)};
+
         if (unsigned const stars = CountStars(entry.Tag)) {
             wildcards.push_back(static_cast<Place>(i));
             if (entry.Tag.size() == 1)
@@ -151,23 +176,6 @@ htl::status ExtendedInfoStore::CheckEntries_() {
             if (htl::status failure = CheckItem(entry.Tag, item); failure.IsError()) other = std::move(failure);
     }
     return other.IsError() ? other : star;
-}
-
-void ExtendedInfoStore::IndexEntries_() {
-    tagSlots.assign(std::bit_ceil(entries.size() + entries.size() / 2 + 1), {0, none});
-    std::size_t const mask = tagSlots.size() - 1;
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        std::uint64_t const hash = HashOf_(entries[i].Tag);
-        auto const part = static_cast<std::uint32_t>(hash);
-        for (std::size_t at = hash >> 32 & mask;; at = (at + 1) & mask) {
-            TagSlot& slot = tagSlots[at];
-            if (slot.entry == none) {
-                slot = {part, static_cast<Place>(i)};
-                break;
-            }
-            if (slot.hash == part && entries[slot.entry].Tag == entries[i].Tag) break;
-        }
-    }
 }
 
 bool ExtendedInfoStore::HasSecondTable() const {

@@ -15,7 +15,9 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
+#include <cstring>
 #include <functional>
+#include <span>
 #include <utility>
 
 namespace zo {
@@ -23,8 +25,6 @@ namespace {
 
 using sys::thread::impl::ExclusiveAccessGuard;
 using Field = ExtendedInfoField;
-
-constexpr unsigned maskFields = 1u << Field::ViewExcl | 1u << Field::Physics | 1u << Field::Mode;
 
 unsigned AsLookedUp(unsigned field) noexcept { return field < Field::count ? field : unsigned(Field::Whole); }
 
@@ -135,14 +135,15 @@ bool ExtendedInfoStore::SearchRow_(ZORegistryImpl const& tables, std::size_t row
     };
     if (search.flags & Tagged) {
         if (candidate == End) {
-            if (search.exact == unknown) search.exact = FindExact_(tables.tagNames[row]);
+            if (search.exact == unknown) FindExactFrom_(tables, row);
             if (settle(search.exact)) return true;
         }
         if (candidate != End && GeneralHasNothing_(search, field)) {
             found = TakeOver_(isAlias, candidate, End, field);
             return true;
         }
-        if (search.qualified == unknown) search.qualified = FindQualified_(tables, row);
+        if (search.qualified == unknown)
+            search.qualified = search.flags & BelowQualified ? FindQualified_(tables, row) : none;
         if (settle(search.qualified)) return true;
         if (search.wildcard == unknown) search.wildcard = FindWildcard_(tables.tagNames[row]);
         if (settle(search.wildcard)) return true;
@@ -154,8 +155,9 @@ bool ExtendedInfoStore::SearchRow_(ZORegistryImpl const& tables, std::size_t row
 // Whether all that is more general than a row's own entry has a field from the default entry, if at all: then it makes
 // no difference which of it the field comes from, and the more costly searches can wait.
 bool ExtendedInfoStore::GeneralHasNothing_(RowSearch const& search, unsigned field) const {
-    // Masks are narrowed and widened rather than replaced.
-    if (field == Field::Whole || maskFields >> field & 1u || search.flags & Alias || generalFields[field]) return false;
+    if (field == Field::Whole || search.flags & Alias || generalFields[field]) return false;
+    // Masks are narrowed and widened rather than replaced, so that what stood there before counts, too.
+    if (!unstatedIsWhole && (field == Field::ViewExcl || field == Field::Physics || field == Field::Mode)) return false;
     Place const type = types[search.type].entry;
     return type == none || !entries[type].fields[field] || statedBy[type * Field::count + field] == none;
 }
@@ -360,28 +362,69 @@ ExtendedInfoStore::Place ExtendedInfoStore::TypeOf_(meta::MetaDataTraits const& 
 }
 
 std::uint64_t ExtendedInfoStore::HashOf_(std::wstring_view tag) const noexcept {
-    // Two sums at a time, as each waits for its own product.
     constexpr std::uint64_t factor = 0x9e3779b97f4a7c15u;
+    // Two sums at a time, as each waits for its own product.
     std::uint64_t even = reinterpret_cast<std::uintptr_t>(this) * factor;
     std::uint64_t odd = tag.size();
-    std::size_t i = 0;
-    for (; i + 1 < tag.size(); i += 2) {
-        even = (std::rotl(even, 5) ^ static_cast<std::uint32_t>(tag[i])) * factor;
-        odd = (std::rotl(odd, 5) ^ static_cast<std::uint32_t>(tag[i + 1])) * factor;
+    auto const add = [factor](std::uint64_t& sum, wchar_t const* text, std::size_t count) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text, count * sizeof(wchar_t));
+        sum = (std::rotl(sum, 5) ^ word) * factor;
+    };
+    constexpr std::size_t step = sizeof(std::uint64_t) / sizeof(wchar_t);
+    wchar_t const* text = tag.data();
+    std::size_t left = tag.size();
+    for (; left >= 2 * step; left -= 2 * step, text += 2 * step) {
+        add(even, text, step);
+        add(odd, text + step, step);
     }
-    if (i < tag.size()) even = (std::rotl(even, 5) ^ static_cast<std::uint32_t>(tag[i])) * factor;
+    if (left >= step) {
+        add(odd, text, step);
+        left -= step;
+        text += step;
+    }
+    if (left > 0) add(even, text, left);
     std::uint64_t const both = (even ^ std::rotl(odd, 32)) * factor;
     return both ^ both >> 29;
 }
 
-ExtendedInfoStore::Place ExtendedInfoStore::FindExact_(std::wstring_view tag) const noexcept {
-    std::uint64_t const hash = HashOf_(tag);
+ExtendedInfoStore::Place ExtendedInfoStore::FindExact_(std::wstring_view tag, std::uint64_t hash) const noexcept {
     auto const part = static_cast<std::uint32_t>(hash);
-    std::size_t const mask = tagSlots.size() - 1;
-    for (std::size_t at = hash >> 32 & mask;; at = (at + 1) & mask) {
+    std::size_t const slots = tagSlots.size() - 1;
+    for (std::size_t at = hash >> 32 & slots;; at = (at + 1) & slots) {
         TagSlot const& slot = tagSlots[at];
         if (slot.entry == none || (slot.hash == part && entries[slot.entry].Tag == tag)) return slot.entry;
     }
+}
+
+// Searches for a row and those behind it, which are usually asked about next. Each would wait for memory several times;
+// together they wait at the same time.
+void ExtendedInfoStore::FindExactFrom_(ZORegistryImpl const& tables, std::size_t row) {
+    constexpr std::size_t most = 16;
+    std::size_t const end = std::min(row + most, searches.size());
+    std::size_t const slots = tagSlots.size() - 1;
+    std::uint64_t hashes[most];
+    Place guesses[most];
+    // Most tags lie in two lines of the cache.
+    auto const fetch = [](std::wstring const& text) {
+        __builtin_prefetch(text.data());
+        __builtin_prefetch(text.data() + text.size());
+    };
+    for (std::size_t id = row; id < end; ++id) fetch(tables.tagNames[id]);
+    for (std::size_t id = row; id < end; ++id) {
+        hashes[id - row] = HashOf_(tables.tagNames[id]);
+        __builtin_prefetch(&tagSlots[hashes[id - row] >> 32 & slots]);
+    }
+    for (std::size_t id = row; id < end; ++id) {
+        Place const guess = guesses[id - row] = tagSlots[hashes[id - row] >> 32 & slots].entry;
+        if (guess == none) continue;
+        __builtin_prefetch(&entries[guess].Tag);
+        __builtin_prefetch(&entries[guess].viewTravList);
+        __builtin_prefetch(&statedBy[guess * Field::count]);
+    }
+    for (Place const guess : std::span(guesses, end - row))
+        if (guess != none) fetch(entries[guess].Tag);
+    for (std::size_t id = row; id < end; ++id) searches[id].exact = FindExact_(tables.tagNames[id], hashes[id - row]);
 }
 
 ExtendedInfoStore::Place ExtendedInfoStore::Bisect_(std::wstring_view tag) const noexcept {

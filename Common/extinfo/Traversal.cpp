@@ -119,7 +119,7 @@ htl::status ViewShaper::Run(std::size_t rowCount) {
     for (std::size_t row = 0; row < rowCount; ++row) {
         {
             sys::thread::impl::ExclusiveAccessGuard const guard(store.Lock());
-            std::size_t const entry = store.Lookup(row, ExtendedInfoField::ViewHierarchy);
+            std::size_t const entry = store.LookupRow_(row, ExtendedInfoField::ViewHierarchy);
             std::vector<ViewTravItem> const& own =
                 (entry == ExtendedInfoStore::End ? store.DefaultEntry() : store.Entry(entry)).viewTravList;
             if (own.empty()) continue;

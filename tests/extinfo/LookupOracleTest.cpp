@@ -221,6 +221,7 @@ public:
     }
 
     std::vector<ExtendedInfoEntry> Table() {
+        partialMasks = Below(4) == 0;
         std::vector<ExtendedInfoEntry> table{AnyEntry(L"Default")};
         std::set<std::wstring> tags{L"Default", L"*"};
         for (std::size_t left = Below(60); left > 0; --left) {
@@ -282,6 +283,8 @@ private:
         entry.Tag = tag;
         entry.fields.set(Field::IsDynamic);
         entry.IsDynamic = Below(4) == 0;
+        // No document leaves such masks; rows that were made by hand may.
+        if (partialMasks) entry.mask = Below(0x80000) & zo::viewmask::everything;
         for (unsigned field = 1; field < Field::count; ++field) {
             if (Below(3) != 0) continue;
             entry.fields.set(field);
@@ -311,6 +314,7 @@ private:
     std::mt19937 random;
     rows::OwnRegistry registry;
     std::set<std::string> taken;
+    bool partialMasks = false;
 };
 
 void ExpectSameEntry(ExtendedInfoEntry const& entry, ExtendedInfoEntry const& expected) {
