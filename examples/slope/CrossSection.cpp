@@ -61,7 +61,8 @@ std::optional<double> HeightAt(Path const& path, double x) {
 }
 
 struct Layer {
-    Path top, bottom; // without a bottom it reaches down without end
+    Path const* top = nullptr;
+    Path const* bottom = nullptr; // without one it reaches down without end
     std::optional<unsigned long> color;
     std::string material;
 };
@@ -78,14 +79,27 @@ public:
         ReadPoints_();
         ReadLines_();
         ReadLayers_();
-        for (zo::H const& water : Found_("Water.Points")) Add_(waterLine, water);
+        ForEach_("Water.Points", [&](zo::H const& point) {
+            if (std::optional<Place> const place = PlaceOf_(point)) waterLine.push_back(*place);
+        });
         if (zo::H const ratio = document.Find("Water.PorePressureRatio")) porePressure = display.Number(ratio);
-        for (zo::H const& circle : Found_("SlipCircles")) {
+        ForEach_("SlipCircles", [&](zo::H const& circle) {
             std::optional<Place> const centre = PlaceOf_(zo::Find(circle, "Centre"));
             std::optional<double> const radius = Number_(circle, "Radius");
             if (centre && radius && *radius > 0) circles.push_back({*centre, *radius});
-        }
+        });
         if (zo::H const x = document.Find("Points[0].X")) unit = display.Unit(x);
+    }
+
+    /// Whether a drawing of all this is of a size that people can look at. Each layer goes along the ground.
+    bool IsDrawable() const {
+        constexpr std::size_t most = 200'000, each = 100;
+        std::size_t size = ground.size() + waterLine.size();
+        for (Layer const& layer : layers) {
+            size += each + 2 * ground.size() + layer.top->size() + (layer.bottom ? layer.bottom->size() : 0);
+            if (size > most) return false;
+        }
+        return size <= most && circles.size() <= (most - size) / (each + ground.size());
     }
 
     Path ground;
@@ -96,12 +110,11 @@ public:
     std::string unit;
 
 private:
-    /// The elements of a list, none where there is no such list.
-    std::vector<zo::H> Found_(std::string const& name) const {
-        std::vector<zo::H> elements;
+    /// Each element of a list, none where there is no such list.
+    template <class F>
+    void ForEach_(std::string const& name, F const& use) const {
         if (zo::H const list = document.Find(name))
-            for (zo::H const& element : *list) elements.push_back(element);
-        return elements;
+            for (zo::H const& element : *list) use(element);
     }
 
     std::optional<double> Number_(zo::H const& node, std::string const& name) const {
@@ -114,51 +127,47 @@ private:
         return x && y ? std::optional<Place>({*x, *y}) : std::nullopt;
     }
 
-    void Add_(Path& path, zo::H const& point) const {
-        if (std::optional<Place> const place = PlaceOf_(point)) path.push_back(*place);
-    }
-
     /// What the numbers of a list, from 1, name in another one. Numbers that name nothing are passed over.
     template <class T>
-    static std::vector<T> Named_(zo::H const& numbers, std::vector<T> const& things) {
-        std::vector<T> named;
+    static std::vector<T const*> Named_(zo::H const& numbers, std::vector<T> const& things) {
+        std::vector<T const*> named;
         if (!numbers) return named;
         for (zo::H const& element : *numbers) {
             htl::Int64 number = 0;
             if (element->Get(number).IsError() || number < 1) continue;
             if (static_cast<std::size_t>(number) <= things.size())
-                named.push_back(things[static_cast<std::size_t>(number) - 1]);
+                named.push_back(&things[static_cast<std::size_t>(number) - 1]);
         }
         return named;
     }
 
     void ReadPoints_() {
-        for (zo::H const& point : Found_("Points")) points.push_back(PlaceOf_(point));
+        ForEach_("Points", [&](zo::H const& point) { points.push_back(PlaceOf_(point)); });
     }
 
     void ReadLines_() {
-        for (zo::H const& line : Found_("Lines")) {
+        ForEach_("Lines", [&](zo::H const& line) {
             Path path;
-            for (std::optional<Place> const& point : Named_(zo::Find(line, "Points"), points))
-                if (point) path.push_back(*point);
+            for (std::optional<Place> const* point : Named_(zo::Find(line, "Points"), points))
+                if (*point) path.push_back(**point);
             if (path.size() > 1 && path.front().x > path.back().x) std::reverse(path.begin(), path.end());
             htl::Int64 role = 0;
             zo::H const node = zo::Find(line, "Role");
             if (ground.empty() && node && !node->Get(role).IsError() && role == static_cast<int>(LineRole::Ground))
                 ground = path;
             lines.push_back(std::move(path));
-        }
+        });
     }
 
     void ReadLayers_() {
-        for (zo::H const& region : Found_("Regions")) {
-            std::vector<Path> const bounds = Named_(zo::Find(region, "Lines"), lines);
-            if (bounds.empty() || bounds[0].empty()) continue;
-            Layer layer{bounds[0], bounds.size() > 1 ? bounds[1] : Path(), display.Color(region), {}};
+        ForEach_("Regions", [&](zo::H const& region) {
+            std::vector<Path const*> const bounds = Named_(zo::Find(region, "Lines"), lines);
+            if (bounds.empty() || bounds[0]->empty()) return;
+            Layer layer{bounds[0], bounds.size() > 1 ? bounds[1] : nullptr, display.Color(region), {}};
             zo::H const material = zo::Find(region, "Material");
             if (material && !material->IsUndefined()) layer.material = display.Value(material);
             layers.push_back(std::move(layer));
-        }
+        });
     }
 
     Document& document;
@@ -178,8 +187,9 @@ public:
         for (Place const& place : geometry.ground) Take_(place);
         double const relief = y.Size();
         for (Layer const& layer : geometry.layers)
-            for (Path const* path : {&layer.top, &layer.bottom})
-                for (Place const& place : *path) Take_(place);
+            for (Path const* path : {layer.top, layer.bottom})
+                if (path)
+                    for (Place const& place : *path) Take_(place);
         for (Place const& place : geometry.waterLine) Take_(place);
         for (Circle const& circle : geometry.circles) {
             Take_(circle.centre);
@@ -197,7 +207,8 @@ public:
         std::string const height = Text(topMargin + scale * y.Size() + bottomMargin);
         svg = "<svg viewBox=\"0 0 " + width + " " + height + "\" width=\"" + width + "\" height=\"" + height +
               "\" role=\"img\" aria-labelledby=\"drawing-title\">\n<title id=\"drawing-title\">" + Escaped(title) +
-              "</title>\n<clipPath id=\"below-ground\"><path d=\"" + Area_(geometry.ground, {}) + "\"/></clipPath>\n";
+              "</title>\n<clipPath id=\"below-ground\"><path d=\"" + Area_(geometry.ground, nullptr) +
+              "\"/></clipPath>\n";
         Layers_();
         Circles_();
         Line_(geometry.ground, "ground");
@@ -242,14 +253,14 @@ private:
     }
 
     /// The outline of what lies between two lines, or below the one.
-    std::string Area_(Path const& top, Path const& bottom) const {
+    std::string Area_(Path const& top, Path const* bottom) const {
         Path outline = Extended_(top);
         double const left = outline.front().x, right = outline.back().x;
-        if (bottom.empty()) {
+        if (!bottom || bottom->empty()) {
             outline.push_back({right, y.low});
             outline.push_back({left, y.low});
         } else {
-            Path const below = Extended_(bottom);
+            Path const below = Extended_(*bottom);
             outline.insert(outline.end(), below.rbegin(), below.rend());
         }
         return Polyline_(outline) + "Z";
@@ -262,7 +273,7 @@ private:
     void Layers_() {
         for (Layer const& layer : geometry.layers) {
             svg += "<path class=\"layer\"" + (layer.color ? " style=\"fill:" + ColorText(*layer.color) + "\"" : "") +
-                   " d=\"" + Area_(layer.top, layer.bottom) + "\"/>\n";
+                   " d=\"" + Area_(*layer.top, layer.bottom) + "\"/>\n";
             LegendItem item{LegendItem::Fill, layer.material.empty() ? std::string(words.noMaterial) : layer.material,
                             layer.color.value_or(0xFFFFFF)};
             auto const same = [&](LegendItem const& other) {
@@ -368,6 +379,7 @@ private:
 
 std::optional<Drawing> DrawCrossSection(Document& document, Display const& display) {
     Geometry const geometry(document, display);
+    if (!geometry.IsDrawable()) return Drawing();
     Drawer drawer(geometry, display);
     if (!drawer.Fit()) return {};
     zo::H const name = document.Find("Project.Name");

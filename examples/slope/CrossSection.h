@@ -18,7 +18,7 @@ struct LegendItem {
 };
 
 struct Drawing {
-    std::string svg; // an element of HTML
+    std::string svg; // an element of HTML; empty if there is more to draw than anybody could look at
     std::vector<LegendItem> legend;
 };
 

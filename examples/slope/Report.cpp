@@ -115,6 +115,10 @@ private:
     void Figure_() {
         std::optional<Drawing> const drawing = DrawCrossSection(document, display);
         if (!drawing) return;
+        if (drawing->svg.empty()) {
+            html += "<p class=\"about\">" + Escaped(words.tooLarge) + "</p>\n";
+            return;
+        }
         html += "<figure>\n<div class=\"frame\">" + drawing->svg + "</div>\n<figcaption>" +
                 Escaped(words.crossSection) + "\n<ul class=\"legend\">\n";
         for (LegendItem const& item : drawing->legend) {

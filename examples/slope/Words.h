@@ -20,7 +20,8 @@ struct Words {
     std::string_view crossSection; // of the report
     std::string_view crossSectionOf;
     std::string_view distance, elevation; // titles of its axes
-    std::string_view unnamed;             // a project without a name
+    std::string_view tooLarge;
+    std::string_view unnamed; // a project without a name
     std::string_view waterLine, porePressure, slipCircle, noMaterial;
     std::string_view made; // at the foot of the page
 };

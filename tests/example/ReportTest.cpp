@@ -282,6 +282,18 @@ TEST_F(ReportTest, HeightLimitsTheScaleOfASteepSlope) {
     EXPECT_TRUE(Holds(page, "<path class=\"ground\" d=\"M64.0 343.1L67.2 343.1L70.5 20.0\"/>"));
 }
 
+TEST_F(ReportTest, MoreThanAnybodyCouldLookAtIsNotDrawn) {
+    project.regions.resize(10'000, project.regions[0]);
+    std::string const page = Page();
+    EXPECT_FALSE(Holds(page, "<figure>"));
+    EXPECT_TRUE(Holds(page, "<p class=\"about\">There is too much in the cross-section for a drawing.</p>"));
+    project = {};
+    project.points = {{0, 0}, {9, 9}};
+    project.lines.push_back({"ground", slope::LineRole::Ground, {1, 2}});
+    project.slipCircles.assign(10'000, {{1, 2}, 3});
+    EXPECT_FALSE(Holds(Page(), "<figure>"));
+}
+
 TEST_F(ReportTest, RegionWithoutMaterialIsNamedInTheLegend) {
     project.regions[0].material = 0;
     std::string const page = Page();
