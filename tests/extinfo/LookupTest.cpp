@@ -437,6 +437,19 @@ TEST_F(LookupTest, DynamicEntryTakesNothingOverForAnAlias) {
     EXPECT_EQ(Store().LookupWhole(alias, Field::Whole).fields.count(), 2u);
 }
 
+TEST_F(LookupTest, WholeQuestionForAnAliasWithADynamicEntryLeavesTheEntryOfItsSourceAlone) {
+    Use(TableText::WithDefault()
+            .Entry(L"Drain.Flow", Label(L"Flow"))
+            .Entry(L"Body", {}, {Also(L"Drain.Flow")})
+            .Entry(L"Body.Flow", {{L"IsDynamic", L"1"}}));
+    auto const before = Of(L"Drain.Flow").fields;
+    (void)Store().LookupWhole(alias, Field::Whole);
+    (void)Store().Lookup(zo::Find("Body.Flow"), Field::Whole);
+    std::uint32_t mask = 0;
+    (void)Store().LookupVisibility(alias, mask);
+    EXPECT_EQ(Of(L"Drain.Flow").fields, before);
+}
+
 TEST_F(LookupTest, MaskOfAnAliasWithADynamicEntryIsNotKept) {
     Use(TableText()
             .Entry(L"Default", {{L"ViewExcl", L"data"}})
