@@ -362,11 +362,11 @@ ExtendedInfoStore::Place ExtendedInfoStore::TypeOf_(meta::MetaDataTraits const& 
 }
 
 std::uint64_t ExtendedInfoStore::HashOf_(std::wstring_view tag) const noexcept {
-    constexpr std::uint64_t factor = 0x9e3779b97f4a7c15u;
+    static constexpr std::uint64_t factor = 0x9e3779b97f4a7c15u;
     // Two sums at a time, as each waits for its own product.
     std::uint64_t even = reinterpret_cast<std::uintptr_t>(this) * factor;
     std::uint64_t odd = tag.size();
-    auto const add = [factor](std::uint64_t& sum, wchar_t const* text, std::size_t count) {
+    auto const add = [](std::uint64_t& sum, wchar_t const* text, std::size_t count) {
         std::uint64_t word = 0;
         std::memcpy(&word, text, count * sizeof(wchar_t));
         sum = (std::rotl(sum, 5) ^ word) * factor;
