@@ -138,19 +138,27 @@ std::string Display::Fixed(double number, unsigned places) const {
     return Narrow(text);
 }
 
+std::string Display::Amount(std::size_t count) const {
+    std::string text = Count(count);
+    if (words.decimalPoint == L',') std::replace(text.begin(), text.end(), ',', '.');
+    return text;
+}
+
 std::string Display::Values_(zo::H const& list) const {
     std::size_t const length = list->Length();
     if (length == 0) return std::string(words.none);
-    if (IsListOfRecords(list)) return "(" + Count(length) + ")";
+    if (IsListOfRecords(list)) return "(" + Amount(length) + ")";
     auto* const array = dynamic_cast<zo::ZOArray*>(list.get());
     if (!array) return {};
     std::vector<std::string> texts;
     std::size_t width = 0;
-    for (std::size_t i = 0; i < length && width < shownValuesWidth; ++i) {
-        texts.push_back(Value(zo::Find(array, i)));
-        width += Width(texts.back()) + 2;
+    for (std::size_t i = 0; i < length; ++i) {
+        std::string text = Value(zo::Find(array, i));
+        width += Width(text) + 2;
+        if (!texts.empty() && width > shownValuesWidth) break;
+        texts.push_back(std::move(text));
     }
-    if (texts.size() < length) texts.push_back(Filled(words.more, Count(length - texts.size())));
+    if (texts.size() < length) texts.push_back(Filled(words.more, Amount(length - texts.size())));
     // Where the point is a comma another one between values would be one too many.
     return Join(texts, words.decimalPoint == L',' ? "; " : ", ");
 }

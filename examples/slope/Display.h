@@ -40,6 +40,9 @@ public:
     std::string Rounded(double number, unsigned digits) const;
     std::string Fixed(double number, unsigned places) const;
 
+    /// A count with the language's mark between thousands.
+    std::string Amount(std::size_t count) const;
+
     Words const& OwnWords() const { return words; }
 
 private:

@@ -1,7 +1,6 @@
 #include "examples/slope/Grid.h"
 
 #include "examples/slope/Table.h"
-#include "examples/slope/Text.h"
 
 #include <ostream>
 
@@ -26,7 +25,7 @@ public:
         bool const list = IsList(parent);
         for (zo::H const& child : ShownChildren(parent, query)) {
             if (list && shown++ == shownRecords) {
-                std::string const rest = Count(parent->Length() - shownRecords);
+                std::string const rest = display.Amount(parent->Length() - shownRecords);
                 table.Add({Indented_(Filled(display.OwnWords().more, rest), level)});
                 return;
             }

@@ -237,7 +237,8 @@ private:
 
     void Foot_(Records const& records) {
         html += "</tbody>\n</table>\n</div>\n";
-        if (records.more) html += "<p class=\"about\">" + Escaped(Filled(words.more, Count(records.more))) + "</p>\n";
+        if (records.more)
+            html += "<p class=\"about\">" + Escaped(Filled(words.more, display.Amount(records.more))) + "</p>\n";
     }
 
     void Table_(zo::H const& list) {

@@ -87,8 +87,9 @@ TEST_F(GridTest, LongListsAreAbridged) {
     EXPECT_TRUE(Holds(outcome.out, "    Cell 5\n"));
     EXPECT_FALSE(Holds(outcome.out, "Cell 6"));
     EXPECT_TRUE(Holds(outcome.out, "    ... 3 more\n"));
-    // Seven values with their commas reach the width at which a row of values ends.
-    EXPECT_TRUE(Holds(outcome.out, "1.25, 2.25, 3.25, 4.25, 5.25, 6.25, 7.25, ... 1,993 more  m\n"));
+    // A seventh value would pass the forty columns that a row of values has.
+    EXPECT_TRUE(Holds(outcome.out, "1.25, 2.25, 3.25, 4.25, 5.25, 6.25, ... 1,994 more  m\n"));
+    EXPECT_TRUE(Holds(Slope({"grid", file, "--lang", "de"}).out, "5,25; 6,25; ... 1.994 weitere  m\n"));
 }
 
 TEST_F(GridTest, ColourIsAPatchWhereItIsWanted) {
