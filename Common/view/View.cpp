@@ -18,14 +18,16 @@ namespace zo {
 namespace {
 
 constexpr std::size_t mostComponents = ZOTransaction::mostComponents;
-/// Of what stands below links and aliases.
-constexpr std::size_t mostBelowRedirects = 2'000'000;
+/// Splices within each other that one walk follows.
+constexpr int mostSpliced = 256;
+/// Of what stands below detours.
+constexpr std::size_t mostBelowDetours = 2'000'000;
 
 /// The children of one node on the way down.
 struct Level {
     H source; // the node behind its redirects
     view::ZOFwrdViewIterator at;
-    bool isBelowRedirect;
+    bool isBelowDetour; // what shows here may show elsewhere, too
 };
 
 bool IsRedirect(IZO const& node) {
@@ -34,11 +36,28 @@ bool IsRedirect(IZO const& node) {
     return dynamic_cast<ZORedirect const*>(&node) != nullptr;
 }
 
+/// Whether a child shows below this one node only, given that it shows in one place itself.
+bool HasOnePlace(IZO const& child, IZO const& node) {
+    ZORegistryImpl const& tables = impl::Current();
+    std::size_t const row = child.RegID();
+    std::size_t const above = node.RegID();
+    if (!tables.HasRow(row) || !tables.HasRow(above)) return true; // nothing stands below it
+    // What is spliced stands in the list of the node that it is spliced from.
+    std::size_t at = tables.viewParents[row] != IZO::npos ? tables.viewParents[row] : tables.parents[row];
+    for (int left = mostSpliced; at != above; at = tables.viewParents[at])
+        if (!tables.HasRow(at) || !(tables.viewRecords[at].flags & ViewTravRecord::Splice) || left-- == 0) return false;
+    if (tables.parents[row] == above) return true;
+    // What was moved below an element from outside of it shows below all elements.
+    std::string_view const name = tables.names[above];
+    return tables.names[row].starts_with(name.substr(0, name.rfind(IZO::chArrayClose) + 1));
+}
+
 /// Whether two nodes stand for one place.
 bool IsSamePlace(IZO const& a, IZO const& b) {
     if (&a == &b) return true;
+    if (a.RegID() != b.RegID() || a.Owner() != b.Owner()) return false;
     std::string_view const name = impl::EntryName(a);
-    return !name.empty() && a.RegID() == b.RegID() && a.Owner() == b.Owner() && name == impl::EntryName(b);
+    return !name.empty() && name == impl::EntryName(b);
 }
 
 bool Leads(H const& source, std::vector<Level> const& levels) {
@@ -50,26 +69,27 @@ bool Leads(H const& source, std::vector<Level> const& levels) {
 
 void view::Walk(H const& node, int query, std::function<bool(H const&, unsigned)> const& visit) {
     if (!node) return;
-    std::size_t leftBelowRedirects = mostBelowRedirects;
+    std::size_t leftBelowDetours = mostBelowDetours;
     std::vector<Level> levels;
     levels.push_back({GetSource(node), {node, query}, false});
     while (true) {
         H const child = *levels.back().at;
-        bool const isBelowRedirect = levels.back().isBelowRedirect;
-        if (!child || (isBelowRedirect && leftBelowRedirects == 0)) {
+        bool const isBelowDetour = levels.back().isBelowDetour;
+        if (!child || (isBelowDetour && leftBelowDetours == 0)) {
             levels.pop_back();
             if (levels.empty()) return;
             ++levels.back().at;
             continue;
         }
-        if (isBelowRedirect) --leftBelowRedirects;
+        if (isBelowDetour) --leftBelowDetours;
         if (visit(child, static_cast<unsigned>(levels.size() - 1)) && levels.size() < deepest) {
             bool const isRedirect = IsRedirect(*child);
+            bool const isDetour = isRedirect || !HasOnePlace(*child, *levels.back().source);
             H source = isRedirect ? GetSource(child) : child;
-            if (!isRedirect || !Leads(source, levels)) {
+            if (!isDetour || !Leads(source, levels)) {
                 ZOFwrdViewIterator first(child, query);
                 if (*first) {
-                    levels.push_back({std::move(source), std::move(first), isBelowRedirect || isRedirect});
+                    levels.push_back({std::move(source), std::move(first), isBelowDetour || isDetour});
                     continue;
                 }
             }

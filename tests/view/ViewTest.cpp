@@ -72,6 +72,35 @@ TEST_F(WholeViewTest, EndsWhereTwoAliasesLeadToEachOther) {
     EXPECT_EQ(Walk(zo::Find("Body")).Count(), 6u);
 }
 
+TEST_F(WholeViewTest, EndsWhereSplicesShowTheNodesAroundThem) {
+    // The body and the drain have all that stands at the top among their children, themselves included.
+    ASSERT_TRUE(Succeeds(Compile(
+        TableText::WithDefault().Entry(L"Body", {}, {Also(L"@Parent.*")}).Entry(L"Drain", {}, {Also(L"@Parent.*")}))));
+    constexpr std::size_t enough = 1000;
+    std::size_t count = 0;
+    zo::view::Walk(zo::Find("Body"), all, [&count](H const&, unsigned) { return ++count < enough; });
+    constexpr std::size_t gallery = 1 + 2;
+    constexpr std::size_t points = 1 + 3 * (1 + 2);
+    // In the drain neither the body, which is around it, nor the drain itself is entered once more.
+    constexpr std::size_t drain = 1 + 2 + 1 + 1 + gallery + points;
+    EXPECT_EQ(count, 2 + 1 + drain + gallery + points);
+}
+
+TEST(LargeViewTest, OfWhatShowsInEveryElementTwoMillionNodesAreVisited) {
+    std::vector<std::vector<dam::DamGallery>> rows(3, std::vector<dam::DamGallery>(100));
+    dam::ViewModel const dam([&rows](zo::kit::Kit& kit) {
+        kit.Branch<std::vector<dam::DamGallery>>("Lower", L"Lower", [&rows] { return &rows[0]; });
+        kit.Branch<std::vector<dam::DamGallery>>("Middle", L"Middle", [&rows] { return &rows[1]; });
+        kit.Branch<std::vector<dam::DamGallery>>("Upper", L"Upper", [&rows] { return &rows[2]; });
+    });
+    ASSERT_TRUE(Succeeds(Compile(
+        TableText::WithDefault().Entry(L"Lower.[]", {}, {From(L"Middle")}).Entry(L"Middle.[]", {}, {From(L"Upper")}))));
+    std::size_t count = 0;
+    zo::view::Walk(zo::Find("Lower"), all, [&count](H const&, unsigned) { return ++count > 0; });
+    // A hundred galleries with two fields and the middle row each. All below those would be more than three millions.
+    EXPECT_EQ(count, 100u * 4u + 2'000'000u);
+}
+
 struct Reach {
     std::wstring name;
     int upstream = 0;
