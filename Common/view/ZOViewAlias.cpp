@@ -27,10 +27,12 @@ H ZOViewAlias::For(H const& child, IZO const& walked, std::wstring const& patter
     std::wstring const tag = pattern + child->Tag();
     // What stands at the top has names and tags without the root's before them.
     bool const isTop = walked.RegID() == 0;
+    // The child of an unnamed node has no name, either.
+    bool const isNamed = isTop || walked.OwnerID() != npos;
     std::string const name = path::Join(isTop ? std::string() : walked.Name(), str::as_cstring(tag));
 
     ZOSet& set = child->Owner() ? *child->Owner() : *ZORegistry::Instance();
-    if (SetEntry const* const entry = set.Impl()->entries.FirstVisible(name))
+    if (SetEntry const* const entry = isNamed ? set.Impl()->entries.FirstVisible(name) : nullptr)
         if (auto* const known = dynamic_cast<ZOAlias*>(entry->node); known && known->SrcName() == source) {
             H const held(known);
             return known->Validate() ? held : H();
@@ -40,7 +42,7 @@ H ZOViewAlias::For(H const& child, IZO const& walked, std::wstring const& patter
     persist.TagName = path::Join(isTop ? std::wstring() : walked.TagName(FullTagType), tag);
     persist.Tag = tag;
     htl::handle<ZOViewAlias> const alias(new ZOViewAlias(source, std::move(persist), &set));
-    if (set.InsertTemporary(name, alias).IsError()) return {};
+    if (isNamed && set.InsertTemporary(name, alias).IsError()) return {};
     return alias->Validate() ? H(alias) : H();
 }
 

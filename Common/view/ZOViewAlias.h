@@ -18,7 +18,8 @@ public:
     IZO* Clone() override;
 
     /// The alias for `child` below `walked`, with `pattern` before its tag; entered in the child's set for as long as
-    /// it is held. One that is there already serves again. Empty for a child without a name.
+    /// it is held, unless `walked` has no name. One that is there already serves again. Empty for a child without a
+    /// name.
     static H For(H const& child, IZO const& walked, std::wstring const& pattern);
 
 private:

@@ -174,6 +174,18 @@ TEST_F(ViewTableTest, GivesTheChildrenOfAnUnnamedViewNoEntry) {
     EXPECT_EQ(EntryCount(*dam.registry), before);
 }
 
+TEST_F(ViewTableTest, ShowsAnAliasAgainThatAnotherWalkHolds) {
+    ASSERT_TRUE(Succeeds(Compile(Gathered())));
+    ZOFwrdViewIterator at(zo::Find("Body"), all);
+    std::advance(at, 3);
+    ASSERT_EQ(NameOf(*at), "Body.Flow");
+    ZOFwrdViewIterator again(zo::Find("Body"), all);
+    std::advance(again, 3);
+    EXPECT_EQ(NameOf(*again), "Body.Flow");
+    EXPECT_EQ(TextOf(*at), L"3.5");
+    EXPECT_EQ(TextOf(*again), L"3.5");
+}
+
 // Splices.
 
 TEST_F(ViewTableTest, GoesOnBehindASplice) {
@@ -316,6 +328,25 @@ TEST_F(ViewTableTest, LeadsToTheChildItselfFromAnotherTag) {
     H const copy((*at)->Clone());
     EXPECT_EQ(copy->Tag(), L"OutletPitch");
     EXPECT_EQ(TextOf(copy), L"0.02");
+}
+
+TEST_F(ViewTableTest, LeavesTheTagsOfSplicedChildrenAloneInTheirOwnPlace) {
+    ASSERT_TRUE(Succeeds(Compile(Renamed())));
+    EXPECT_EQ(Tags(zo::Find("Drain")), (WideList{L"Pitch", L"Flow"}));
+}
+
+TEST_F(ViewTableTest, GivesOtherTagsBelowAnUnnamedViewNoEntry) {
+    ASSERT_TRUE(Succeeds(Compile(TableText::WithDefault()
+                                     .Entry(L"Points.[]", {}, {As(L"Drain.*", L"Outlet*")})
+                                     .Entry(L"Drain", {}, {From(L".*")}))));
+    H const view = dam.registry->Wrap(dam::row::Point, &dam.model.points[1]);
+    ZOFwrdViewIterator at(view, all);
+    std::advance(at, 2);
+    ASSERT_TRUE(*at);
+    EXPECT_EQ((*at)->Tag(), L"OutletPitch");
+    EXPECT_EQ(TextOf(*at), L"0.02");
+    EXPECT_EQ((*at)->Name(), "");
+    EXPECT_FALSE(zo::Find("OutletPitch")) << "nothing shows at the top";
 }
 
 TEST_F(ViewTableTest, UsesTheEntryOfAnotherTagThatIsHeld) {
