@@ -453,13 +453,6 @@ TEST_F(CompileTraversalTest, AnElementByItsAbsoluteTagFailsAndStaysInItsArray) {
     EXPECT_TRUE(ViewIsSound());
 }
 
-TEST_F(CompileTraversalTest, AnElementHasNoAbsoluteTag) {
-    EXPECT_TRUE(FailsAs(Compile(ListOf(L"Body", {From(L"Points.[]")})),
-                        Text(L"Body: We can't support an array using an absolute tag of {Points.[]}")));
-    EXPECT_EQ(ViewTags(row::Points), L"[]");
-    EXPECT_TRUE(ViewIsSound());
-}
-
 TEST_F(CompileTraversalTest, AnElementCantBeMoved) {
     for (auto const& [parent, source] : {std::pair(L"HZNData", L".Points.[]"), std::pair(L"Points.[].X", L"@Parent"),
                                          std::pair(L"Points.[].X", L"@Parent.*")}) {

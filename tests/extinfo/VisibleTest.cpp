@@ -202,10 +202,12 @@ TEST_F(VisibleTest, BeforeATableIsCompiledNothingShows) {
     EXPECT_FALSE(IsVisible(row::Body, everything));
 }
 
-TEST_F(VisibleTest, WithoutADefaultOnlyEntriesShow) {
+TEST_F(VisibleTest, WithoutADefaultNothingShows) {
     EXPECT_TRUE(Compile(TableText().Entry(L"Body", {{L"ViewExcl", L"none"}, {L"Physics", L"all"}, {L"Mode", L"all"}}))
                     .IsError());
     EXPECT_FALSE(IsVisible(row::Drain, everything));
+    EXPECT_FALSE(IsVisible(row::Body, everything));
+    EXPECT_FALSE(IsVisible(zo::Find("Body"), everything));
 }
 
 TEST_F(VisibleTest, WhatIsNoRowIsNotVisible) {
