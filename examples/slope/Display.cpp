@@ -108,8 +108,9 @@ std::string Display::Unit(zo::H const& node) const {
 std::optional<double> Display::Number(zo::H const& node) const {
     double number = missing;
     if (!node || !node->IsValueType() || node->IsUndefined() || node->Get(number).IsError()) return {};
-    if (number == missing || !std::isfinite(number)) return {};
-    return math::units::ConvertBetweenUnitSets(zo::Units(node), number, stored, zo::VisibleUnits(node));
+    if (number == missing) return {};
+    number = math::units::ConvertBetweenUnitSets(zo::Units(node), number, stored, zo::VisibleUnits(node));
+    return std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
 std::optional<unsigned long> Display::Color(zo::H const& node) const {
@@ -119,6 +120,7 @@ std::optional<unsigned long> Display::Color(zo::H const& node) const {
 }
 
 std::string Display::Rounded(double number, unsigned digits) const {
+    if (!std::isfinite(number)) return {};
     // All digits in front of the point stay, or the text would have an exponent.
     double const whole = std::floor(std::log10(std::max(std::abs(number), 1.0))) + 1;
     std::wstring text;

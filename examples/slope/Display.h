@@ -31,12 +31,14 @@ public:
     std::string Value(zo::H const& node) const;
     /// The unit of the value, or of the values of a list; "" without one.
     std::string Unit(zo::H const& node) const;
-    /// The number in the units that people see; none for a missing value and for what is no number.
+    /// The number in the units that people see; none for a missing value, for what is no number, and beyond what a
+    /// number can hold.
     std::optional<double> Number(zo::H const& node) const;
     /// The node's colour, 0xBBGGRR; none without one.
     std::optional<unsigned long> Color(zo::H const& node) const;
 
-    /// A number in the language's notation, with at most `digits` significant digits or `places` behind the point.
+    /// A number in the language's notation, with at most `digits` significant digits or `places` behind the point; ""
+    /// for one that is not finite.
     std::string Rounded(double number, unsigned digits) const;
     std::string Fixed(double number, unsigned places) const;
 

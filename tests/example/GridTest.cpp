@@ -136,6 +136,14 @@ TEST_F(GridTest, NumberInItsOwnUnitsIsNotRounded) {
     EXPECT_TRUE(Holds(Slope({"grid", file, "--units", "us"}).out, "psf"));
 }
 
+TEST_F(GridTest, NumberBeyondTheUnitAskedForIsToldAsSuch) {
+    Import("AT1");
+    ASSERT_EQ(Slope({"set", file, "Materials[0].Cohesion", "1e308"}).exitStatus, 0); // 2e309 psf
+    Outcome const outcome = Slope({"grid", file, "--units", "us"});
+    EXPECT_EQ(outcome.exitStatus, 0);
+    EXPECT_TRUE(Holds(outcome.out, "  inf "));
+}
+
 TEST_F(GridTest, WordsThatAreNotKnownAreRefused) {
     Import("AT1");
     struct Refusal {
