@@ -73,11 +73,9 @@ TEST_F(StatusTest, APointBehindANumberStays) {
 }
 
 TEST_F(StatusTest, WhatIsNoNumberStays) {
-    for (wchar_t const* text : {L"", L"Too much.", L"information", L"nan inf - + . , e5x", L"a.b-c", L" \t\n ",
-                                L"100%% of %s %n", L"\u00B2 \u0661"}) {
-        if (std::wstring(text).find_first_of(L"0123456789") != std::wstring::npos) continue;
+    for (wchar_t const* text : {L"", L"Too much.", L"information", L"nan inf - + . , ex", L"a.b-c", L" \t\n ",
+                                L"all%% of %s %n", L"\u00B2 \u0661"})
         EXPECT_EQ(Text(text), text);
-    }
     EXPECT_EQ(Text(L"%1 3.048%"), L"%3.2808399 10%");
 }
 

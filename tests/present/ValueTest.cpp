@@ -279,13 +279,29 @@ TEST_F(ValueTagTest, AMissingNodePrintsNothing) {
     EXPECT_FALSE(HasPrettyPrintValue(Find("Gauges.Length")));
 }
 
-TEST_F(ValueTagTest, APathMayEndInAPosition) {
+TEST_F(ValueTagTest, APathMayEndInThePositionOfWhatItLeadsTo) {
+    H const fifth(new zo::ZOAtomicData<double>(zo::IZO::npos, nullptr, meta::AtomicTraits<double>(), 20));
+    site.registry->RegisterZO(htl::handle<zo::IODS>(new zo::ODS("Gauges.Probe4", false, true)), fifth,
+                              meta::MetaPersistTraits(0, L"Probe"), fifth->GetDataTraits());
+    ASSERT_TRUE(Prints(L"Gauges", L"Probe[]"));
+    EXPECT_EQ(PrettyPrintValue("Gauges"), L"5");
+    EXPECT_EQ(AbbrevValueWithUnits("Gauges"), L"5");
+    EXPECT_TRUE(HasPrettyPrintValue(Find("Gauges")));
+}
+
+TEST_F(ValueTagTest, APositionIsThatOfTheFoundNodeAlone) {
     ASSERT_TRUE(Compiles(TableText::WithDefault()
                              .Entry(L"Marks.[].Name", {{L"PrettyPrintValueTag", L"[]"}})
                              .Entry(L"Marks.[]", {{L"PrettyPrintValueTag", L"Name[]"}})));
-    // The position is the found node's, which has no digits in its own name.
+    // Only the element around it has digits in its own name.
     EXPECT_EQ(PrettyPrintValue("Marks[1]"), L"");
     EXPECT_EQ(PrettyPrintValue("Marks[1].Name"), L"");
+}
+
+TEST_F(ValueTagTest, AMissingNodeHasNoPosition) {
+    ASSERT_TRUE(Prints(L"Marks.[]", L"Nowhere[]"));
+    EXPECT_EQ(PrettyPrintValue("Marks[1]"), L"");
+    EXPECT_FALSE(HasPrettyPrintValue(Find("Marks[1]")));
 }
 
 TEST_F(ValueTagTest, AnythingElseBehindAPathPrintsNothing) {
