@@ -34,8 +34,9 @@ inline constexpr unsigned deepest = 64;
 /// for is not entered. Nothing below level `deepest` - 1 is visited.
 ///
 /// Links, aliases and splices may lead in a circle: what leads to a node around it is visited and not entered. They may
-/// also lead to each other in very many ways: of what stands below them, and below what a list shows in every element of
-/// an array, at most 2,000,000 nodes are visited.
+/// also lead to each other in very many ways: of what stands below them, and below what a list shows in each element
+/// of an array, at most 2,000,000 nodes are visited.
+///
 /// Cost: for each node what finding it by name costs, and its rule of visibility.
 ZO_API void Walk(H const& node, int query, std::function<bool(H const& node, unsigned level)> const& visit);
 
