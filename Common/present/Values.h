@@ -29,7 +29,7 @@ ZO_API std::wstring PrettyPrintValueWithUnits(std::string const& name);
 ZO_API std::wstring AbbrevValueWithUnits(H const& node);
 ZO_API std::wstring AbbrevValueWithUnits(std::string const& name);
 ZO_API std::wstring AbbrevValueWithUnits(std::size_t regID, void const* value);
-/// Whether printing the value gives anything.
+/// Whether there is a value to print; one without a text counts, too.
 ZO_API bool HasPrettyPrintValue(H const& node);
 
 /// Writes what a person typed: a number in the visible units, its unit behind it or not, or a word of an enumeration.

@@ -330,6 +330,16 @@ TEST_F(ValueTagTest, AChainOfTagsIsFollowed) {
     EXPECT_EQ(PrettyPrintValue("Marks[1]"), L"Crest");
 }
 
+TEST_F(ValueTagTest, WhatLeadsToAnotherNodeHasAValueWhereThatHasOne) {
+    ASSERT_TRUE(Compiles(TableText::WithDefault()
+                             .Entry(L"Gauges", {{L"PrettyPrintValueTag", L"Remark"}})
+                             .Entry(L"Marks.[]", {{L"PrettyPrintValueTag", L"Level"}})
+                             .Entry(L"Marks.[].Level", {{L"PrettyPrintValueTag", L"Nowhere"}})));
+    site.model.gauges.remark.clear();
+    EXPECT_TRUE(HasPrettyPrintValue(Find("Gauges"))) << "a value is one without a text, too";
+    EXPECT_FALSE(HasPrettyPrintValue(Find("Marks[0]"))) << "what it leads to prints nothing";
+}
+
 TEST_F(ValueTagTest, TheTableTakesNoPartInAValueWithoutANode) {
     ASSERT_TRUE(Prints(L"Gauges.Length", L"Nowhere"));
     double const length = 3.048;
