@@ -363,6 +363,15 @@ TEST_F(VisibleTest, AnAliasWithoutARowIsHiddenByTheEntryOfItsTag) {
     EXPECT_TRUE(IsVisible(alias, report | slope | define));
 }
 
+TEST_F(VisibleTest, AnAliasWithoutAnEntryIsHiddenByThatOfItsSource) {
+    ViewModel other([](zo::kit::Kit& kit) { kit.Alias("Outlet", L"Outlet", "Drain.Flow"); });
+    ASSERT_TRUE(Succeeds(Compile(TableText::WithDefault().Entry(L"Drain.Flow", {{L"ViewExcl", L"data"}}))));
+    H const outlet = zo::Find("Outlet");
+    EXPECT_TRUE(IsVisible(outlet->RegID(), data | slope | define)); // its row has the default entry
+    EXPECT_FALSE(IsVisible(outlet, data | slope | define));
+    EXPECT_TRUE(IsVisible(outlet, report | slope | define));
+}
+
 TEST_F(VisibleTest, ADanglingAliasIsNeitherVisibleNorEditable) {
     ViewModel other([](zo::kit::Kit& kit) { kit.Alias("Lost", L"Lost", "Spillway"); });
     ASSERT_TRUE(Succeeds(Compile(TableText::WithDefault())));
