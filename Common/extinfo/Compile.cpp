@@ -47,11 +47,11 @@ htl::status ExtendedInfoStore::Bind_(std::size_t firstAlias) {
     std::vector<bool> isUsed(entries.size(), false);
     regIDMap.assign(rowCount, End);
     for (std::size_t row = 0; row < rowCount; ++row) {
-        std::size_t const index = LookupRow_(row, ExtendedInfoField::Whole);
+        std::size_t const index = BoundTo_(tables, row);
         if (index == End) continue;
         regIDMap[row] = index;
         isUsed[index] = true;
-        if (entries[index].IsDynamic && !tables.IsAlias(row))
+        if (entryFlags[index] & Optional && !tables.IsAlias(row))
             result = htl::status::FromText(str::fmt::format(L"Entry {%s} marked as dynamic, but is bound to {%s}",
                                                             entries[index].Tag, tables.tagNames[row]));
     }
@@ -60,7 +60,7 @@ htl::status ExtendedInfoStore::Bind_(std::size_t firstAlias) {
     // Every table has the entry "Default"; nodes don't bind to it, it speaks for those without an entry.
     std::vector<htl::status> unused;
     for (std::size_t index = 0; index < entries.size(); ++index)
-        if (!isUsed[index] && !entries[index].IsDynamic && entries[index].Tag != L"Default")
+        if (!isUsed[index] && !(entryFlags[index] & Optional) && entries[index].Tag != L"Default")
             unused.push_back(htl::status::FromText(entries[index].Tag));
     if (unused.empty()) return {};
     return HznError::compound(htl::status::FromText(L"One or more extended info entries not used"), unused);

@@ -41,7 +41,8 @@ class ViewShaper;
 /// Life: tables are read, then `Compile` joins, checks and binds them, once. From then on entries don't move, but they
 /// are completed: an entry that lacks a field takes it over from the next less specific entry when it is first asked
 /// for, and all nodes that share the entry share that. A store that is only read is useful without a registry.
-/// Threads: each operation takes the store's lock.
+/// Threads: what reads tables, compiles or looks up takes the store's lock. Counts, and entries by place, don't: hold
+/// the lock while others may read tables or ask.
 class ZO_API ExtendedInfoStore {
 public:
     /// No entry.
@@ -82,8 +83,8 @@ public:
     std::size_t FirstTableCount() const noexcept { return firstTableCount; }
     /// An entry by its place, which is below the count. Valid until the next read.
     ExtendedInfoEntry const& Entry(std::size_t index) const noexcept { return entries[index]; }
-    /// The copy of the entry "Default" with all fields set; before compilation, and where there is none, an entry
-    /// without fields and with an empty mask.
+    /// The copy of the entry "Default" with all fields set, made by the first compilation that finds one, even if it
+    /// fails later; until then an entry without fields and with an empty mask.
     ExtendedInfoEntry const& DefaultEntry() const noexcept { return defaultEntry; }
     /// The place of the entry with exactly this tag, the first of equal ones; `End` without one.
     std::size_t Find(std::wstring const& tag) const;
@@ -155,7 +156,10 @@ private:
         FirstDescription = 2,
         SecondLabel = 4,
         SecondDescription = 8,
-        General = 16 // a wildcard, or a type and a path: speaks for rows beside their own entries
+        General = 16,  // a wildcard, or a type and a path: speaks for rows beside their own entries
+        Speaks = 32,   // came with some field
+        Optional = 64, // is dynamic
+        Shapes = 128,  // has a list of what shows below
     };
 
     /// Joins the tables, checks them and makes what lookups need. Success sets `compiled`; "The extended information is
@@ -173,6 +177,8 @@ private:
     htl::status FillDefault_();
     htl::status CheckEntries_();
     void NoteTexts_(std::size_t index);
+    Place ExactOf_(ZORegistryImpl const& tables, std::size_t row);
+    std::size_t BoundTo_(ZORegistryImpl const& tables, std::size_t row);
 
     std::size_t LookupRow_(std::size_t row, unsigned field);
     bool SearchRow_(ZORegistryImpl const& tables, std::size_t row, unsigned field, std::size_t& candidate,
@@ -183,6 +189,14 @@ private:
     bool MayTakeOver_(IZO const& node, std::size_t entry) const;
     std::size_t TakeOver_(bool redirects, std::size_t candidate, std::size_t found, unsigned field);
     void Complete_(std::size_t index, std::size_t source, unsigned field);
+    static std::size_t FieldPlace_(std::size_t index, unsigned field) noexcept {
+        return index * ExtendedInfoField::count + field;
+    }
+    /// Which entry stated a field that an entry has; `none` for the default entry.
+    Place Origin_(std::size_t index, unsigned field) const;
+    /// The rows below `rowCount` whose entries have to be asked for a list of what shows below them, in their order.
+    /// For the others the answer is known to be none, and noted in their entries.
+    std::vector<std::size_t> RowsWithLists_(ZORegistryImpl const& tables, std::size_t rowCount);
 
     void SyncRows_(ZORegistryImpl const& tables);
     bool IsAliasRow_(std::size_t row) const noexcept { return row < searches.size() && searches[row].flags & Alias; }
@@ -216,7 +230,8 @@ private:
 
     // By entry.
     std::vector<std::uint8_t> entryFlags;
-    std::vector<Place> statedBy; // `ExtendedInfoField::count` each: 0 the entry itself, n entry n - 1, `none` default
+    std::vector<std::uint16_t> fromDefault;           // fields, a bit each, that were taken over from the default entry
+    std::unordered_map<std::size_t, Place> takenFrom; // by `FieldPlace_`: who stated a field taken over from an entry
 
     // Entries with a "*" in their tags, in the order of the table.
     std::vector<Place> wildcards;

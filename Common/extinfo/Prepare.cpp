@@ -36,24 +36,32 @@ bool UnstatedIsWhole(ExtendedInfoEntry const& entry) {
     return (entry.mask & unstated) == unstated;
 }
 
-// The last failure among the tags of one item; success if they are well-formed.
-htl::status CheckItem(std::wstring const& tag, ViewTravItem const& item) {
-    htl::status result;
+// What is wrong in an entry, told once it is known to be the last.
+struct Flaw {
+    wchar_t const* pattern = nullptr;
+    std::wstring const* tag = nullptr;
+    std::wstring const* text = nullptr;
+
+    htl::status Tell() const {
+        if (!pattern) return {};
+        return text ? Failure(pattern, *tag, *text) : Failure(pattern, *tag);
+    }
+};
+
+// The last flaw in the tags of one item.
+void CheckItem(std::wstring const& tag, ViewTravItem const& item, Flaw& flaw) {
     std::wstring const& source = item.SourceTag;
     unsigned const sourceStars = CountStars(source);
     if (sourceStars == 1 && !source.ends_with(L".*"))
-        result = Failure(L"%s: Traversal source tags can only end in '.*': %s", tag, source);
-    if (sourceStars > 1)
-        result = Failure(L"%s: Traversal source tags do not support multiple wildcards : %s", tag, source);
+        flaw = {L"%s: Traversal source tags can only end in '.*': %s", &tag, &source};
+    if (sourceStars > 1) flaw = {L"%s: Traversal source tags do not support multiple wildcards : %s", &tag, &source};
     std::wstring const& dest = item.DestTag;
     unsigned const destStars = CountStars(dest);
     if (destStars == 1 && dest.back() != L'*')
-        result = Failure(L"%s: Traversal destination tags can only end in '*': %s", tag, dest);
-    if (destStars > 1)
-        result = Failure(L"%s: Traversal destination tags do not support multiple wildcards : %s", tag, dest);
+        flaw = {L"%s: Traversal destination tags can only end in '*': %s", &tag, &dest};
+    if (destStars > 1) flaw = {L"%s: Traversal destination tags do not support multiple wildcards : %s", &tag, &dest};
     if (dest.find(L'.') != dest.npos)
-        result = Failure(L"%s: Traversal destination tags may not express their own sub hierarchy: %s", tag, dest);
-    return result;
+        flaw = {L"%s: Traversal destination tags may not express their own sub hierarchy: %s", &tag, &dest};
 }
 
 } // namespace
@@ -75,7 +83,7 @@ htl::status ExtendedInfoStore::Prepare_() {
     patterns.reserve(wildcards.size());
     for (Place const wildcard : wildcards) patterns.push_back(entries[wildcard].Tag);
     matcher = std::make_shared<extinfo::TagMatcher>(patterns);
-    statedBy.assign(entries.size() * Field::count, 0);
+    fromDefault.assign(entries.size(), 0);
     for (Place const wildcard : wildcards) {
         entryFlags[wildcard] |= General;
         generalFields |= entries[wildcard].fields;
@@ -144,17 +152,27 @@ htl::status ExtendedInfoStore::FillDefault_() {
 // Lists the wildcards, checks all tags, and notes where entries are. One walk, since entries are large: failures of
 // single stars, which count as found before all others, are kept apart.
 htl::status ExtendedInfoStore::CheckEntries_() {
-    htl::status star;
-    htl::status other;
+    Flaw star;
+    Flaw other;
     entryFlags.reserve(entries.size());
     unstatedIsWhole = true;
     tagSlots.assign(std::bit_ceil(entries.size() + entries.size() / 2 + 1), {0, none});
     std::size_t const slots = tagSlots.size() - 1;
+    constexpr std::size_t ahead = 6;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         ExtendedInfoEntry const& entry = entries[i];
+        // Tags lie elsewhere; they are fetched while others are looked at.
+        if (i + 2 * ahead < entries.size()) {
+            __builtin_prefetch(&entries[i + 2 * ahead].Tag);
+            __builtin_prefetch(&entries[i + 2 * ahead].fields);
+            __builtin_prefetch(entries[i + ahead].Tag.data());
+        }
         // A table that is joined after a check failed has noted some before.
         if (i == entryFlags.size()) NoteTexts_(i);
         unstatedIsWhole = unstatedIsWhole && UnstatedIsWhole(entry);
+        entryFlags[i] |=
+            static_cast<std::uint8_t>((entry.fields.any() ? Speaks : 0) | (entry.IsDynamic ? Optional : 0) |
+                                      (entry.viewTravList.empty() ? 0 : Shapes));
 
         std::uint64_t const hash = HashOf_(entry.Tag);
         auto const part = static_cast<std::uint32_t>(hash);
@@ -167,15 +185,13 @@ htl::status ExtendedInfoStore::CheckEntries_() {
         if (unsigned const stars = CountStars(entry.Tag)) {
             wildcards.push_back(static_cast<Place>(i));
             if (entry.Tag.size() == 1)
-                star = Failure(L"%s '*' is not allowed; it matches everything and destroys all other lookup logic",
-                               entry.Tag);
-            if (stars > 1)
-                other = Failure(L"%s Multiple wildcards in the same match string are not supported", entry.Tag);
+                star = {L"%s '*' is not allowed; it matches everything and destroys all other lookup logic",
+                        &entry.Tag};
+            if (stars > 1) other = {L"%s Multiple wildcards in the same match string are not supported", &entry.Tag};
         }
-        for (ViewTravItem const& item : entry.viewTravList)
-            if (htl::status failure = CheckItem(entry.Tag, item); failure.IsError()) other = std::move(failure);
+        for (ViewTravItem const& item : entry.viewTravList) CheckItem(entry.Tag, item, other);
     }
-    return other.IsError() ? other : star;
+    return (other.pattern ? other : star).Tell();
 }
 
 bool ExtendedInfoStore::HasSecondTable() const {

@@ -17,6 +17,7 @@
 #include <cassert>
 #include <cstring>
 #include <functional>
+#include <numeric>
 #include <span>
 #include <utility>
 
@@ -117,6 +118,20 @@ std::size_t ExtendedInfoStore::LookupRow_(std::size_t row, unsigned field) {
     return found;
 }
 
+ExtendedInfoStore::Place ExtendedInfoStore::ExactOf_(ZORegistryImpl const& tables, std::size_t row) {
+    RowSearch& search = searches[row];
+    if (!(search.flags & Tagged)) return none;
+    if (search.exact == unknown) FindExactFrom_(tables, row);
+    return search.exact;
+}
+
+// The entry of a row as a whole. Most have one under their own tags; then that entry itself isn't read.
+std::size_t ExtendedInfoStore::BoundTo_(ZORegistryImpl const& tables, std::size_t row) {
+    SyncRows_(tables);
+    Place const exact = ExactOf_(tables, row);
+    return exact != none && entryFlags[exact] & Speaks ? exact : LookupRow_(row, Field::Whole);
+}
+
 // The searches for one row. True if they settle it, with the entry in `found`. Otherwise `candidate` is the row's own
 // entry, and `foundLast` says whether the last search that ran found one.
 bool ExtendedInfoStore::SearchRow_(ZORegistryImpl const& tables, std::size_t row, unsigned field,
@@ -134,10 +149,7 @@ bool ExtendedInfoStore::SearchRow_(ZORegistryImpl const& tables, std::size_t row
         return false;
     };
     if (search.flags & Tagged) {
-        if (candidate == End) {
-            if (search.exact == unknown) FindExactFrom_(tables, row);
-            if (settle(search.exact)) return true;
-        }
+        if (candidate == End && settle(ExactOf_(tables, row))) return true;
         if (candidate != End && GeneralHasNothing_(search, field)) {
             found = TakeOver_(isAlias, candidate, End, field);
             return true;
@@ -159,7 +171,7 @@ bool ExtendedInfoStore::GeneralHasNothing_(RowSearch const& search, unsigned fie
     // Masks are narrowed and widened rather than replaced, so that what stood there before counts, too.
     if (!unstatedIsWhole && (field == Field::ViewExcl || field == Field::Physics || field == Field::Mode)) return false;
     Place const type = types[search.type].entry;
-    return type == none || !entries[type].fields[field] || statedBy[type * Field::count + field] == none;
+    return type == none || !entries[type].fields[field] || fromDefault[type] >> field & 1;
 }
 
 // The row of what an alias in the view stands for.
@@ -187,13 +199,19 @@ std::size_t ExtendedInfoStore::TakeOver_(bool redirects, std::size_t candidate, 
 
 void ExtendedInfoStore::Complete_(std::size_t index, std::size_t source, unsigned field) {
     CopyField(entries[index], source == End ? defaultEntry : entries[source], field);
-    Place origin = none;
-    if (source != End) {
-        origin = statedBy[source * Field::count + field];
-        if (origin == 0) origin = static_cast<Place>(source + 1);
+    Place const origin = source == End ? none : Origin_(source, field);
+    if (origin == none) {
+        fromDefault[index] |= static_cast<std::uint16_t>(1u << field);
+        return;
     }
-    statedBy[index * Field::count + field] = origin;
-    if (origin != none && entryFlags[index] & General) generalFields.set(field);
+    takenFrom[FieldPlace_(index, field)] = origin;
+    if (entryFlags[index] & General) generalFields.set(field);
+}
+
+ExtendedInfoStore::Place ExtendedInfoStore::Origin_(std::size_t index, unsigned field) const {
+    if (index < fromDefault.size() && fromDefault[index] >> field & 1) return none;
+    auto const taken = takenFrom.find(FieldPlace_(index, field));
+    return taken == takenFrom.end() ? static_cast<Place>(index) : taken->second;
 }
 
 std::size_t ExtendedInfoStore::LookupVisibility(std::size_t regID, std::uint32_t& mask) {
@@ -353,7 +371,7 @@ ExtendedInfoStore::Place ExtendedInfoStore::TypeOf_(meta::MetaDataTraits const& 
         Place const place = static_cast<Place>(end - entries.begin());
         entryFlags[place] |= General;
         for (unsigned field = 0; field < Field::count; ++field)
-            if (end->fields[field] && statedBy[place * Field::count + field] != none) generalFields.set(field);
+            if (end->fields[field] && !(fromDefault[place] >> field & 1)) generalFields.set(field);
     }
     type.first = static_cast<Place>(at - entries.begin());
     type.last = static_cast<Place>(end - entries.begin());
@@ -417,10 +435,7 @@ void ExtendedInfoStore::FindExactFrom_(ZORegistryImpl const& tables, std::size_t
     }
     for (std::size_t id = row; id < end; ++id) {
         Place const guess = guesses[id - row] = tagSlots[hashes[id - row] >> 32 & slots].entry;
-        if (guess == none) continue;
-        __builtin_prefetch(&entries[guess].Tag);
-        __builtin_prefetch(&entries[guess].viewTravList);
-        __builtin_prefetch(&statedBy[guess * Field::count]);
+        if (guess != none) __builtin_prefetch(&entries[guess].Tag);
     }
     for (Place const guess : std::span(guesses, end - row))
         if (guess != none) fetch(entries[guess].Tag);
@@ -485,6 +500,41 @@ ExtendedInfoStore::Place ExtendedInfoStore::FindWildcard_(std::wstring_view tag)
     return place == extinfo::TagMatcher::npos ? none : wildcards[place];
 }
 
+std::vector<std::size_t> ExtendedInfoStore::RowsWithLists_(ZORegistryImpl const& tables, std::size_t rowCount) {
+    constexpr unsigned field = Field::ViewHierarchy;
+    ExclusiveAccessGuard const guard(lock);
+    SyncRows_(tables); // tells which entries speak for types
+    std::vector<std::size_t> rows;
+    auto const hasList = [this](TypeSearch const& type) {
+        return type.entry != none && entries[type.entry].fields[field];
+    };
+    if (!defaultEntry.viewTravList.empty() || generalFields[field] || std::ranges::any_of(types, hasList)) {
+        rows.resize(rowCount);
+        std::iota(rows.begin(), rows.end(), std::size_t(0));
+        return rows;
+    }
+
+    // An entry that speaks for one row alone, which is no alias, has nothing to take over but the default entry's list,
+    // which is empty.
+    std::vector<bool> isOwn(entries.size());
+    for (std::size_t row = 0; row < rowCount; ++row)
+        if (Place const exact = ExactOf_(tables, row); exact != none)
+            isOwn[exact] = !tables.aliasBits[row] && !(entryFlags[exact] & (Optional | General));
+    for (TypeSearch const& type : types)
+        if (type.entry != none) isOwn[type.entry] = false;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (!isOwn[i] || entries[i].fields[field]) continue;
+        entries[i].fields.set(field);
+        fromDefault[i] |= 1u << field;
+    }
+
+    for (std::size_t row = 0; row < rowCount; ++row) {
+        Place const exact = ExactOf_(tables, row);
+        if (exact == none || !isOwn[exact] || entryFlags[exact] & Shapes) rows.push_back(row);
+    }
+    return rows;
+}
+
 void ExtendedInfoStore::FinishBinding_() {
     ExclusiveAccessGuard const guard(lock);
     finished = true;
@@ -496,9 +546,8 @@ void ExtendedInfoStore::FinishBinding_() {
 std::size_t ExtendedInfoStore::StatedBy(std::size_t index, unsigned field) const {
     ExclusiveAccessGuard const guard(lock);
     if (index >= entries.size() || field >= Field::count || !entries[index].fields[field]) return End;
-    if (statedBy.empty()) return index;
-    Place const origin = statedBy[index * Field::count + field];
-    return origin == none ? End : origin == 0 ? index : origin - 1;
+    Place const origin = Origin_(index, field);
+    return origin == none ? End : origin;
 }
 
 std::size_t ExtendedInfoStore::IndexOf(ExtendedInfoEntry const& entry) const noexcept {

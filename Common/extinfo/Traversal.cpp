@@ -60,8 +60,9 @@ bool IsDynamicForm(std::vector<ViewTravItem> const& list) noexcept {
     return list.size() == 1 && list.front().SourceTag == allChildren;
 }
 
-ViewChains::ViewChains(ZORegistryImpl& tables)
-    : tables(tables), previous(tables.RowCount(), IZO::npos), last(tables.RowCount(), IZO::npos) {
+void ViewChains::Fill() {
+    previous.assign(tables.RowCount(), IZO::npos);
+    last.assign(tables.RowCount(), IZO::npos);
     for (std::size_t parent = 0; parent < tables.RowCount(); ++parent)
         for (std::size_t row = tables.viewFirstChildren[parent]; row != IZO::npos;
              row = tables.viewRecords[row].ViewTravNextID)
@@ -116,7 +117,7 @@ ViewShaper::ViewShaper(ExtendedInfoStore& store)
 htl::status ViewShaper::Run(std::size_t rowCount) {
     htl::status result;
     std::vector<ViewTravItem> list;
-    for (std::size_t row = 0; row < rowCount; ++row) {
+    for (std::size_t const row : store.RowsWithLists_(tables, rowCount)) {
         {
             sys::thread::impl::ExclusiveAccessGuard const guard(store.Lock());
             std::size_t const entry = store.LookupRow_(row, ExtendedInfoField::ViewHierarchy);
@@ -136,7 +137,7 @@ htl::status ViewShaper::Run(std::size_t rowCount) {
 htl::status ViewShaper::ApplyList_(std::size_t parent, std::vector<ViewTravItem> const& list) {
     if (tables.dataTraits[parent].AsArray())
         return Failure(L"%s: Re-parenting an object under an array is not allowed.", CallOf_(parent));
-    changed = true;
+    if (!std::exchange(changed, true)) chains.Fill();
     if (IsDynamicForm(list)) {
         tables.viewRecords[parent].flags |= ViewTravRecord::WalkChildren;
         if (!list.front().DestTag.empty())
@@ -302,6 +303,7 @@ std::wstring ViewShaper::CallOf_(std::size_t row) const {
 }
 
 htl::status ViewShaper::FindCircle() const {
+    if (!changed) return {};
     enum : unsigned char { Unseen, OnTheWay, Seen };
     std::vector<unsigned char> state(tables.RowCount(), Unseen);
     for (std::size_t row = 0; row < tables.RowCount(); ++row) {

@@ -25,8 +25,10 @@ bool IsDynamicForm(std::vector<ViewTravItem> const& list) noexcept;
 /// taking a row out costs no walk.
 class ViewChains {
 public:
-    explicit ViewChains(ZORegistryImpl& tables);
+    explicit ViewChains(ZORegistryImpl& tables) : tables(tables) {}
 
+    /// Learns the lists of all rows. Comes first.
+    void Fill();
     /// Takes a row out of its list, if it stands in one; its record is then as if fresh.
     void Remove(std::size_t row);
     /// Puts a row that stands in no list behind the view children of `parent`.

@@ -25,8 +25,9 @@ enum Value : int { Define = 0, Contour, Any = 0x7FFFFFFF };
 
 namespace zo {
 
-/// Whether the entry of a registered node lets it show. Before a table is compiled nothing does.
-/// Cost: after the first question about a row a read and three bit tests.
+/// Whether the entry of a registered node lets it show. Before a table is compiled nothing does; after a compilation
+/// that failed in its checks, the entry "Default" speaks for all. Cost: after the first question about a row a read and
+/// three bit tests.
 ZO_API bool IsVisible(std::size_t regID, int query);
 /// The same for any node, with the rule of its type, which is asked each time. False for an empty handle.
 ZO_API bool IsVisible(H const& node, int query);
