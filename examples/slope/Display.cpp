@@ -121,11 +121,13 @@ std::optional<unsigned long> Display::Color(zo::H const& node) const {
 
 std::string Display::Rounded(double number, unsigned digits) const {
     if (!std::isfinite(number)) return {};
-    // All digits in front of the point stay, or the text would have an exponent.
+    // All digits in front of the point stay, or the text would have an exponent. So it has where they mean nothing.
+    constexpr double mostDigits = 15;
     double const whole = std::floor(std::log10(std::max(std::abs(number), 1.0))) + 1;
+    if (whole <= mostDigits) digits = std::max(digits, static_cast<unsigned>(whole));
     std::wstring text;
-    if (str::locale::to_string(text, number, str::locale::notGiven, std::max(digits, static_cast<unsigned>(whole)),
-                               str::locale::floatformat::General, Notation(words))
+    if (str::locale::to_string(text, number, str::locale::notGiven, digits, str::locale::floatformat::General,
+                               Notation(words))
             .IsError())
         return {};
     return Narrow(text);

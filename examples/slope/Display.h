@@ -37,8 +37,9 @@ public:
     /// The node's colour, 0xBBGGRR; none without one.
     std::optional<unsigned long> Color(zo::H const& node) const;
 
-    /// A number in the language's notation, with at most `digits` significant digits or `places` behind the point; ""
-    /// for one that is not finite.
+    /// A number in the language's notation, with at most `digits` significant digits, or all in front of the point
+    /// where that has more of them and no more than 15; or with `places` behind the point. "" for one that is not
+    /// finite.
     std::string Rounded(double number, unsigned digits) const;
     std::string Fixed(double number, unsigned places) const;
 

@@ -144,6 +144,15 @@ TEST_F(GridTest, NumberBeyondTheUnitAskedForIsToldAsSuch) {
     EXPECT_TRUE(Holds(outcome.out, "  inf "));
 }
 
+TEST_F(GridTest, ConvertedNumberHasAnExponentOnlyWhereItsDigitsMeanNothing) {
+    Import("AT1");
+    // One kPa is 20.88543423315 psf.
+    ASSERT_EQ(Slope({"set", file, "Materials[0].Cohesion", "1e12"}).exitStatus, 0);
+    EXPECT_TRUE(Holds(Slope({"grid", file, "--units", "us"}).out, "  20885434233150 "));
+    ASSERT_EQ(Slope({"set", file, "Materials[0].Cohesion", "1e300"}).exitStatus, 0);
+    EXPECT_TRUE(Holds(Slope({"grid", file, "--units", "us"}).out, "  2.08854e+301 "));
+}
+
 TEST_F(GridTest, WordsThatAreNotKnownAreRefused) {
     Import("AT1");
     struct Refusal {
