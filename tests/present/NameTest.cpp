@@ -80,6 +80,14 @@ TEST_F(NameTest, ThePositionBehindAPathIsThatOfTheNodeThere) {
     EXPECT_EQ(Expanded(L"Layer2", "Layer2", L"Points[]|"), L"|") << "the array is no element";
 }
 
+TEST_F(NameTest, BehindAPositionTheRuleIsBackAtItsNode) {
+    EXPECT_EQ(Expanded(L"Soils.[]", "Soils[0]", L"Name[]|Cohesion"), L"|25") << "a name is no element";
+}
+
+TEST_F(NameTest, SignsAddNoValueOfTheNodeItself) {
+    EXPECT_EQ(Expanded(L"Soils.[].Name", "Soils[0].Name", L"<!Tag>"), L"<Name>");
+}
+
 TEST_F(NameTest, AWordThatLeadsNowhereEmptiesTheWholeRule) {
     EXPECT_EQ(Expanded(L"Soils.[]", "Soils[0]", L"Name: Author"), L"");
 }
