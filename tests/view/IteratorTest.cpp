@@ -380,4 +380,44 @@ TEST_F(ViewRowTest, ANodeWithoutATagInItsRowIsFoundByName) {
     EXPECT_EQ(Names("Site"), (List{"Site.Bare"}));
 }
 
+/// A yard whose children are made as the walk comes to them: one without a name, one whose name leads nowhere, and one
+/// that can be found.
+class Yard : public rows::Plain {
+public:
+    using Plain::Plain;
+    IZO* Clone() override { return new Yard(RegID(), Owner()); }
+    zo::ZOFwrdIterator begin() override {
+        zo::ZOFwrdIterator first;
+        first.parent = H(this);
+        first.current = Child_(0);
+        return first;
+    }
+
+protected:
+    void GetNextSubZO(zo::ZOFwrdIterator& position) override { position.current = Child_(++position.index); }
+
+private:
+    H Child_(std::size_t index) const {
+        if (index > 2) return {};
+        H const child(new Plain(rows::RowOf("Yard.Stock"), zo::ZORegistry::Instance()));
+        if (index == 1)
+            (void)zo::ZORegistry::Instance()->InsertTemporary("Quarry.Stock", child); // the test asks its name
+        return index == 2 ? zo::Find("Yard.Stock") : child;
+    }
+};
+
+TEST_F(ViewRowTest, LeavesOutUnderAnotherTagWhatCannotBeFoundByName) {
+    registry.AddPlain("Site", L"Site");
+    registry.Add("Yard", H(new Yard), L"Yard", rows::StructureTraits());
+    registry.AddPlain("Yard.Stock", L"Stock");
+    registry->OnPostRegistration();
+    ASSERT_TRUE(Succeeds(Compile(
+        TableText::WithDefault().Entry(L"Site", {}, {As(L"Yard.*", L"Old*")}).Entry(L"Yard", {}, {From(L".*")}))));
+    ASSERT_EQ(Names("Yard"), (List{"", "Quarry.Stock", "Yard.Stock"}));
+    ZOFwrdViewIterator at(zo::Find("Site"), all);
+    EXPECT_EQ(NameOf(*at), "Site.OldStock");
+    EXPECT_EQ(zo::GetSource(*at)->Name(), "Yard.Stock");
+    EXPECT_FALSE(*++at);
+}
+
 } // namespace

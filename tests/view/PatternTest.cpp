@@ -100,6 +100,22 @@ TEST_F(PatternTest, KeepsTheLabelWhereChildrenAreNoElements) {
     EXPECT_EQ(Labels({{L"Body.$", L"Body[$]"}}), (WideList{L"Body[$]", L"Body[$]"}));
 }
 
+struct Intake {
+    double gate1 = 0;
+    double gate2 = 0;
+};
+
+TEST(PatternLabelTest, KeepsTheLabelOfChildrenThatHaveANumberAndAreNoElements) {
+    Intake intake;
+    dam::ViewModel const dam([&intake](zo::kit::Kit& kit) {
+        kit.Record<Intake>("Intake").Field<&Intake::gate1>("Gate1", L"Gate1").Field<&Intake::gate2>("Gate2", L"Gate2");
+        kit.Branch<Intake>("Intake", L"Intake", [&intake] { return &intake; });
+    });
+    ASSERT_TRUE(Succeeds(Compile(TableText::WithDefault())));
+    EXPECT_EQ(Found(Patterns{{L"Intake.$", L""}}), (List{"Intake.Gate1", "Intake.Gate2"}));
+    EXPECT_EQ(Labels({{L"Intake.$", L"Gate[$]"}}), (WideList{L"Gate[$]", L"Gate[$]"}));
+}
+
 TEST_F(PatternTest, TakesAnyComponentWithTheSignForAWildcard) {
     ASSERT_TRUE(Succeeds(Compile(Labelled())));
     EXPECT_EQ(Found(Patterns{{L"Body.[$1]", L""}}), (List{"Body.Crest", "Body.Height"}));

@@ -238,6 +238,13 @@ TEST_F(ViewTableTest, SplicesWhatANodeHasAtRunTime) {
     EXPECT_EQ(Names("Body"), (List{"Body.Crest", "Body.Height", "Drain.Pitch", "Drain.Flow", "Gallery.Length"}));
 }
 
+TEST_F(ViewTableTest, WalksADynamicNodeAsItIsAtRunTime) {
+    ASSERT_TRUE(Succeeds(Compile(
+        TableText::WithDefault().Entry(L"Body", {}, {From(L"Drain.Pitch")}).Entry(L"Drain", {}, {From(L".*")}))));
+    EXPECT_EQ(Names("Body"), (List{"Body.Crest", "Body.Height", "Drain.Pitch"}));
+    EXPECT_EQ(Names("Drain"), (List{"Drain.Pitch", "Drain.Flow"})) << "with what a list has moved away";
+}
+
 TEST_F(ViewTableTest, GoesOnBehindANodeThatHasNothingAtRunTime) {
     ASSERT_TRUE(Succeeds(Compile(TableText::WithDefault()
                                      .Entry(L"Body", {}, {From(L"Drain.*"), From(L"Gallery.Length")})
