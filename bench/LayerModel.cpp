@@ -3,6 +3,7 @@
 #include "bench/Register.h"
 
 #include <algorithm>
+#include <map>
 
 namespace bench {
 namespace {
@@ -28,6 +29,22 @@ void ForEachRow(std::size_t layers, Add add) {
         }
         add(layer + ".Remark");
     }
+}
+
+/// The rows that patterns speak for, each with its own: the remark of each layer, then the last value of samples.
+std::map<std::string, std::string> RowsOfPatterns(std::size_t layers) {
+    constexpr std::size_t most = 200;
+    std::map<std::string, std::string> patterns;
+    for (std::size_t sample = 0; sample <= 10; ++sample) {
+        for (std::size_t l = 0; l < layers && patterns.size() < most; ++l) {
+            std::string const layer = LayerName(l);
+            std::string const below = sample == 0 ? "." : "." + SampleName(sample - 1) + ".";
+            std::string const name = sample == 0 ? "Remark" : ValueName(8);
+            patterns[layer + below + name] =
+                l % 2 ? "*" + layer.substr(1) + below + name : layer + below + name.substr(0, 3) + "*" + name.back();
+        }
+    }
+    return patterns;
 }
 
 } // namespace
@@ -56,10 +73,7 @@ void RegisterLayers(std::vector<Layer>& layers) {
 
 std::vector<std::wstring> LayerPatterns(std::size_t layers) {
     std::vector<std::wstring> patterns;
-    for (std::size_t l = 0; l < std::min<std::size_t>(200, layers); ++l) {
-        std::wstring const name = str::as_wstring(LayerName(l));
-        patterns.push_back(l % 2 ? L"*" + name.substr(1) + L".Remark" : name + L".Rem*");
-    }
+    for (auto const& [row, pattern] : RowsOfPatterns(layers)) patterns.push_back(str::as_wstring(pattern));
     return patterns;
 }
 
@@ -70,12 +84,11 @@ std::string LayerTable(std::size_t layers) {
         rows += "  <Row Tag=\"" + tag + "\" Label=\"Value of a test\" Description=\"What was measured.\"/>\n";
         ++count;
     };
-    std::size_t const spoken = LayerPatterns(layers).size();
-    std::size_t remarks = 0;
+    std::map<std::string, std::string> const patterns = RowsOfPatterns(layers);
     ForEachRow(layers, [&](std::string const& name) {
-        if (!name.ends_with(".Remark") || remarks++ >= spoken) add(name);
+        if (!patterns.contains(name)) add(name);
     });
-    for (std::wstring const& pattern : LayerPatterns(layers)) add(str::as_cstring(pattern));
+    for (auto const& [row, pattern] : patterns) add(pattern);
     add("Default");
     return "<Meta_ExtendedInfo Rows=\"" + std::to_string(count) + "\">\n" + rows + "</Meta_ExtendedInfo>\n";
 }

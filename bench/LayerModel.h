@@ -21,8 +21,7 @@ inline constexpr std::size_t rowsOfLayer = 1 + 10 * (1 + 9) + 1;
 /// Registers `Layer0007.Sample3.Value5` and `Layer0007.Remark` for each layer in the current registry.
 void RegisterLayers(std::vector<Layer>& layers);
 
-/// The patterns among the table's entries: half of them begin with "*". There are 200, or one a layer, if these are
-/// fewer.
+/// The patterns among the table's entries, 200 of them for 19 layers or more. Half of them begin with "*".
 std::vector<std::wstring> LayerPatterns(std::size_t layers);
 /// The document of a table that compiles: an entry for every row but those that the patterns are for, and "Default".
 std::string LayerTable(std::size_t layers);
