@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <unordered_map>
 
@@ -159,11 +160,22 @@ private:
                 source.remove_suffix(2);
                 if (subTag.ends_with(L'*')) subTag.back() = L'_';
             }
+            if (MerelyMoves_(row, item, source)) continue;
             if (subTag.empty()) subTag = source.substr(source.rfind(L'.') + 1);
             std::wstring const tag = row == 0 ? subTag : tables.tagNames[row] + L'.' + subTag;
             Chain const ofAlias = ByTag_(tag, subTag, row);
             if (!ofAlias.IsEmpty()) used[*ofAlias.begin()] = true;
         }
+    }
+
+    /// Whether an item takes a row out of its place without an alias: the first one that does so with it.
+    bool MerelyMoves_(std::size_t row, ViewTravItem const& item, std::wstring_view source) {
+        if (item.IsDynamic || !item.DestTag.empty() || !item.RemoveFromSource) return false;
+        bool const isBelow = source.starts_with(L'.');
+        std::wstring tag(source.substr(isBelow));
+        if (isBelow && row != 0) tag = tables.tagNames[row] + std::wstring(source);
+        std::size_t const moved = tables.RowOfTag(tag);
+        return moved != IZO::npos && movedRows.insert(moved).second;
     }
 
     /// The entry that a field comes from, `End` without one.
@@ -234,6 +246,7 @@ private:
     ZORegistryImpl const& tables;
     Entries entries;
     std::vector<bool> used;
+    std::set<std::size_t> movedRows;
     std::size_t defaultEntry;
     TableReport report;
 };

@@ -32,13 +32,18 @@ std::vector<Gap> Gaps(std::vector<TableReport::OneLanguage> const& texts) {
     return gaps;
 }
 
-/// A table with a labelled row for every field of the dam.
-TableText FullTable() {
+/// A table with a labelled row for every field of the dam, and a list of what shows below one of them.
+TableText FullTable(std::wstring const& parent = {}, std::vector<Item> const& list = {}) {
     TableText table = TableText::WithDefault();
     for (wchar_t const* const tag :
          {L"Body", L"Body.Crest", L"Body.Height", L"Drain", L"Drain.Pitch", L"Drain.Flow", L"Gallery",
-          L"Gallery.Length", L"Gallery.Width", L"Points", L"Points.[]", L"Points.[].X", L"Points.[].Name"})
-        table.Entry(tag, {{L"Label", std::wstring(L"Label of ") + tag}});
+          L"Gallery.Length", L"Gallery.Width", L"Points", L"Points.[]", L"Points.[].X", L"Points.[].Name"}) {
+        std::vector<fixture::Cell> const label{{L"Label", std::wstring(L"Label of ") + tag}};
+        if (tag == parent)
+            table.Entry(tag, label, list);
+        else
+            table.Entry(tag, label);
+    }
     return table;
 }
 
@@ -175,6 +180,19 @@ TEST_F(CheckTest, EntryOfAnAliasThatATraversalListAddsIsUsed) {
                                 .Entry(L"Flow", {{L"Label", L"Flow"}});
     Read(table);
     EXPECT_EQ(CheckTable().unused, Tags{L"Flow"});
+}
+
+TEST_F(CheckTest, EntryOfATagThatNoAliasHasBecauseItsNodeMovesIsUnused) {
+    Read(FullTable().Entry(L"HZNData", {}, {From(L"Body.Crest")}).Entry(L"Crest", {{L"Label", L"Crest of the dam"}}));
+    EXPECT_EQ(CheckTable().unused, Tags{L"Crest"});
+}
+
+TEST_F(CheckTest, EntryOfTheAliasThatASecondListGetsForAMovedNodeIsUsed) {
+    Read(FullTable(L"Body", {From(L"Drain")})
+             .Entry(L"HZNData", {}, {From(L"Drain")})
+             .Entry(L"Body.Drain", {{L"Label", L"Drain of the body"}})
+             .Entry(L"Gallery.Drain", {{L"Label", L"Drain of the gallery"}}));
+    EXPECT_EQ(CheckTable().unused, Tags{L"Gallery.Drain"});
 }
 
 TEST_F(CheckTest, AliasOfATraversalListIsNoField) {
