@@ -193,7 +193,9 @@ std::wstring VisibilityExplained::Text() const {
     std::wstring text = str::fmt::format(L"%s: %s\n", node, isVisible ? L"visible" : L"hidden");
     Append(text, L"entry of the row", byRow);
     Append(text, L"entry at run time", atRunTime);
-    if (isRuleAsked) text += str::fmt::format(L"  rule of the type of {%s}: %s\n", ruleOf, rulePasses ? L"yes" : L"no");
+    if (!isRuleAsked) return text;
+    if (ruleOf.empty() && !rulePasses) return text + L"  what it stands for isn't there: no\n";
+    text += str::fmt::format(L"  rule of the type of {%s}: %s\n", ruleOf, rulePasses ? L"yes" : L"no");
     return text;
 }
 

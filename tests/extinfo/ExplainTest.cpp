@@ -277,6 +277,7 @@ TEST_F(ExplainTest, RuleOfAnAliasWithoutSourceSaysNo) {
     EXPECT_EQ(explained.ruleOf, L"");
     EXPECT_FALSE(explained.rulePasses);
     EXPECT_FALSE(explained.isVisible);
+    EXPECT_TRUE(explained.Text().ends_with(L"\n  what it stands for isn't there: no\n"));
 }
 
 TEST_F(ExplainTest, NodeWithoutARowIsTestedAtRunTimeOnly) {
