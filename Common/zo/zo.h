@@ -6,6 +6,7 @@
 
 #include "Common/extinfo/Explain.h"
 #include "Common/extinfo/ExtendedInfo.h"
+#include "Common/extinfo/LocText.h"
 #include "Common/extinfo/TableCheck.h"
 #include "Common/extinfo/Visible.h"
 #include "Common/model/IZO.h"
@@ -13,6 +14,7 @@
 #include "Common/model/ZOArray.h"
 #include "Common/model/ZOAtomicData.h"
 #include "Common/model/ZOWrapper.h"
+#include "Common/present/Calculated.h"
 #include "Common/present/FormattedTraits.h"
 #include "Common/present/Text.h"
 #include "Common/present/UnitsProvider.h"

@@ -639,6 +639,7 @@ TEST(NamesTest, TablesAreThere) {
     EXPECT_TRUE((Has<status(void const*, void const*)>(&zo::ZOExtendedInfoRead)));
     EXPECT_TRUE(Has<status(wstring const&)>(&zo::ZOExtendedInfoRead));
     EXPECT_TRUE(Has<status()>(&zo::CompileExtendedInfo));
+    EXPECT_TRUE((Has<status(wstring const&, wstring const&)>(&zo::MergeExtendedInfoLocTextToFile)));
     EXPECT_TRUE((Has<bool(size_t, Query)>(&zo::IsVisible)));
     EXPECT_TRUE((Has<bool(H const&, Query)>(&zo::IsVisible)));
     EXPECT_TRUE(Has<bool(H const&)>(&zo::IsEditable));
@@ -696,6 +697,15 @@ TEST(NamesTest, ValuesForPeopleAreThere) {
     EXPECT_TRUE((Has<void(wstring&, Kind)>(&zo::Debug_AppendUKName)));
     static_assert(std::is_base_of_v<zo::IZOAccessValueTypeTrait, zo::ZOAccessReadFormattedOutput>);
     static_assert(std::is_base_of_v<zo::IZOAccessValueTypeTrait, zo::ZOAcessWriteFormattedOutput>);
+}
+
+TEST(NamesTest, CalculationsAreThere) {
+    static_assert(std::has_virtual_destructor_v<IFn>);
+    EXPECT_TRUE(Has<status(H const&)>(&zo::UpdateCalculatedValues));
+    EXPECT_TRUE(Has<H(IFn*)>(&zo::GetAtomicWrapper<IFn>));
+    EXPECT_TRUE((Has<DataParamType(H const&, string const&)>(&zo::LookupParam)));
+    EXPECT_TRUE(Has<bool(H const&)>(&zo::IsTemplate));
+    EXPECT_TRUE(Has<bool(IZO const*)>(&zo::IsTemplate));
 }
 
 TEST(NamesTest, ViewsAreThere) {
