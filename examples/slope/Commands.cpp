@@ -221,10 +221,15 @@ int Explain(Options const& options, Streams const& streams) {
     return report.IsClean() ? exitOk : exitProblems;
 }
 
+/// Whether both names lead to one file that is there.
+bool IsSameFile(std::string const& a, std::string const& b) {
+    std::error_code ignored; // without either file there is nothing to lose
+    return std::filesystem::equivalent(a, b, ignored);
+}
+
 int WriteReport(Options const& options, Streams const& streams) {
     std::string const &file = options.arguments[0], &page = options.arguments[1];
-    std::error_code ignored; // without either file there is nothing to lose
-    if (std::filesystem::equivalent(file, page, ignored))
+    if (IsSameFile(file, page))
         return streams.Problem(page + " is the project itself; a page needs a file of its own.");
     Document document(LanguageOf(options));
     LoadReport const report = LoadWithProgress(document, file);
@@ -244,6 +249,17 @@ int CheckTables(Streams const& streams) {
     zo::TableReport const report = zo::CheckTable();
     streams.out << Narrow(report.Text()) << report.SkeletonRows();
     return failure.IsError() || !report.IsClean() ? exitProblems : exitOk;
+}
+
+int WriteTexts(Options const& options, Streams const& streams) {
+    std::string const& file = options.arguments[0];
+    std::string const earlier = options.arguments.size() > 1 ? options.arguments[1] : "";
+    Document document;
+    htl::status failure = document.Present();
+    if (!failure.IsError()) failure = zo::MergeExtendedInfoLocTextToFile(Wide(earlier), Wide(file));
+    if (failure.IsError()) return streams.Problem(Message(failure));
+    streams.out << "The texts are in " << file << '\n';
+    return exitOk;
 }
 
 int Large(Options const& options, Streams const& streams) {
@@ -285,6 +301,7 @@ int RunCommandLine(std::vector<std::string> const& words, std::ostream& out, std
     if (options.command == "explain") return Explain(options, streams);
     if (options.command == "report") return WriteReport(options, streams);
     if (options.command == "table") return CheckTables(streams);
+    if (options.command == "loctext") return WriteTexts(options, streams);
     if (options.command == "large") return Large(options, streams);
     return RunDemo(options.data.empty() ? DefaultDataFolder() : options.data, options.problem, options.out, out, err)
                ? exitOk

@@ -40,6 +40,12 @@ void Document::SetContent(Project content) {
     *project = std::move(content);
     MakeCurrent();
     registry->InvalidateMemory("");
+    UpdateCalculated();
+}
+
+void Document::UpdateCalculated() {
+    // The trigger takes any write: it has no rule that could refuse one.
+    (void)zo::UpdateCalculatedValues(Find("Project"));
 }
 
 void Document::MakeCurrent() { zo::ZORegistry::SetInstance(registry.get()); }
@@ -102,6 +108,7 @@ LoadReport Document::Load(std::string const& path) {
     };
     std::vector<htl::status> badValues;
     report.failure = zo::xml::FileRead(Wide(path), badValues, {}, collect);
+    UpdateCalculated();
     for (htl::status const& bad : badValues) report.dropped.push_back(Message(bad));
     if (badValues.size() >= mostBadValues)
         report.dropped.push_back("There may be more values like these; the first " + Count(mostBadValues) +
@@ -127,12 +134,16 @@ htl::handle<zo::ZOTransaction> Document::Begin() {
 
 htl::status Document::Undo(zo::ZOJournal const& journal) {
     MakeCurrent();
-    return journal.Undo(*registry);
+    htl::status failure = journal.Undo(*registry);
+    UpdateCalculated();
+    return failure;
 }
 
 htl::status Document::Redo(zo::ZOJournal const& journal) {
     MakeCurrent();
-    return journal.Redo(*registry);
+    htl::status failure = journal.Redo(*registry);
+    UpdateCalculated();
+    return failure;
 }
 
 math::UnitSet Document::Units() const { return SetOf(project->units); }

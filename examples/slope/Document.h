@@ -40,6 +40,9 @@ public:
     Project& Content() { return *project; }
     /// Takes over another project. No node of the old one may be held.
     void SetContent(Project content);
+    /// Brings up to date what is worked out and kept. The operations below see to that themselves; who commits a
+    /// transaction or writes to a node asks for it.
+    void UpdateCalculated();
 
     void MakeCurrent();
     zo::H Root();

@@ -64,6 +64,7 @@ struct Region {
     std::string name;
     int material = 0;       // number of the material, from 1; 0 for none
     std::vector<int> lines; // numbers of its top line and of its bottom line, from 1
+    double area = missing;  // m2 or ft2, as of the last `UpdateAreas`; nobody saves it
 };
 
 enum class WaterKind { PiezometricLine = 1, PorePressureRatio };

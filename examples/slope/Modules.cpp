@@ -1,6 +1,7 @@
 // Written as a table: one line for each part of a structure, one function for each subject.
 #include "examples/slope/Modules.h"
 
+#include "examples/slope/Areas.h"
 #include "examples/slope/Text.h"
 
 #include <kit/kit.h>
@@ -98,6 +99,14 @@ bool HasWater(Project const& project) { return static_cast<bool>(project.water);
 void SetHasWater(Project& project, bool wanted) { Make(project.water, wanted); }
 bool HasAquifer(Project const& project) { return static_cast<bool>(project.aquifer); }
 void SetHasAquifer(Project& project, bool wanted) { Make(project.aquifer, wanted); }
+
+/// The trigger of what is worked out and kept. It is at rest, so that each write of 1 is one.
+int AtRest(Project const&) { return 0; }
+void StartUpdate(Project& project, int asked) {
+    if (asked) UpdateAreas(project); // a load puts it back to its default, as all else
+}
+bool NotByPeople(zo::IZO const&) { return false; }
+
 int PointCount(Project const& project) { return static_cast<int>(project.points.size()); }
 
 void ProjectModule(Kit& kit, std::shared_ptr<Project> const& project, Language language) {
@@ -120,7 +129,9 @@ void ProjectModule(Kit& kit, std::shared_ptr<Project> const& project, Language l
         .Property<&HasWater, &SetHasWater>("HasWater", L"HasWater")
         .Property<&HasAquifer, &SetHasAquifer>("HasAquifer", L"HasAquifer", {.persist = Persist::IfNotDefault})
         .Computed<&SlopeHeight>("SlopeHeight", L"SlopeHeight", {.unit = Kind::Length})
-        .Computed<&PointCount>("PointCount", L"PointCount");
+        .Computed<&PointCount>("PointCount", L"PointCount")
+        .Property<&AtRest, &StartUpdate>("UpdateCalculatedValues", L"UpdateCalculatedValues",
+                                         {.editable = NotByPeople, .persist = Persist::Never});
     kit.Branch<Project>("Project", L"Project",
                         [weak = std::weak_ptr(project)]() -> Project* { return weak.lock().get(); });
     // Another name for the analysis that the link leads to now: CurrentAnalysis.FactorOfSafety.
@@ -153,7 +164,8 @@ void GeometryModule(Kit& kit, std::shared_ptr<Project> const& project, Language 
     kit.Record<Region>("Region")
         .Field<&Region::name>("Name", L"Name")
         .Link<&Region::material>("Material", L"Material", materialRecords) // Regions[2].Material.Cohesion
-        .Array<&Region::lines>("Lines", L"Lines", {.dflt = 1, .min = 1});
+        .Array<&Region::lines>("Lines", L"Lines", {.dflt = 1, .min = 1})
+        .Computed<&Region::area>("Area", L"Area", {.unit = Kind::Area}); // as of the project's last update
     kit.Branch<std::vector<Point>>("Points", L"Points[Point]", Part(project, &Project::points));
     kit.Branch<std::vector<Line>>("Lines", L"Lines[Line]", Part(project, &Project::lines));
     kit.Branch<std::vector<Region>>("Regions", L"Regions[Region]", Part(project, &Project::regions),

@@ -33,6 +33,8 @@ constexpr std::array commands{
             "--view --physics --mode --lang --tag"},
     Command{"report", "FILE PAGE", "write a page of HTML with a cross-section", 2, 2, "--lang --units"},
     Command{"table", "", "check the application's tables of labels and rules", 0, 0, ""},
+    Command{"loctext", "OUT [EARLIER]", "write the texts of the table for a translator, with those of EARLIER", 1, 2,
+            ""},
     Command{"large", "[COUNT]", "make, save, load and compare COUNT cells (106257)", 0, 1, "--out"},
 };
 

@@ -149,6 +149,7 @@ private:
         document.MakeCurrent();
         if (htl::status const failure = transaction->Commit("", ""); failure.IsError())
             problems.emplace(wanted.size(), Message(failure));
+        document.UpdateCalculated();
         // What can't be written at all is no failure of a commit, such as the length of a list that has a fixed one.
         for (std::size_t i = first; i < changed.size(); ++i)
             if (zo::H const node = document.Find(changed[i].name); node && ValueText(node) != changed[i].after)
