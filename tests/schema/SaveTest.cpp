@@ -17,8 +17,6 @@
 #include <functional>
 #include <memory>
 
-enum class DataParamType : std::int32_t { None = 0, Cohesion = 7 };
-
 namespace {
 
 using embankment::FailsAs;
