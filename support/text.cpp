@@ -1,12 +1,11 @@
 #include "support/text.h"
 
+#include "support/unique.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <unordered_set>
 #include <utility>
-
-#include <locale.h>
-#include <wctype.h>
 
 namespace str {
 namespace {
@@ -76,22 +75,6 @@ template <class V>
 V TrimView(V text) noexcept {
     while (!text.empty() && IsBlank(static_cast<wchar_t>(text.front()))) text.remove_prefix(1);
     while (!text.empty() && IsBlank(static_cast<wchar_t>(text.back()))) text.remove_suffix(1);
-    return text;
-}
-
-/// The tables of one fixed locale, so that two users of a file see the same duplicates. Null where the system lacks it.
-locale_t UnicodeTables() noexcept {
-    static locale_t const tables = newlocale(LC_CTYPE_MASK, "C.UTF-8", locale_t());
-    return tables;
-}
-
-wchar_t ToLower(wchar_t c) noexcept {
-    if (c < 0x80 || !UnicodeTables()) return ToLowerAscii(c);
-    return static_cast<wchar_t>(towlower_l(static_cast<wint_t>(c), UnicodeTables()));
-}
-
-std::wstring ToLower(std::wstring text) {
-    for (wchar_t& c : text) c = ToLower(c);
     return text;
 }
 
@@ -243,9 +226,9 @@ std::string_view Trim(std::string_view text) noexcept { return TrimView(text); }
 
 std::wstring GenerateUniqueDesriptionIgnoreCase(std::vector<std::wstring> const& taken, std::wstring const& name) {
     std::unordered_set<std::wstring> lowered;
-    for (std::wstring const& text : taken) lowered.insert(str::ToLower(text));
+    for (std::wstring const& text : taken) lowered.insert(str::FoldCase(text));
     std::wstring candidate = name;
-    for (std::size_t number = 2; lowered.contains(str::ToLower(candidate)); ++number)
+    for (std::size_t number = 2; lowered.contains(str::FoldCase(candidate)); ++number)
         candidate = name + L" (" + std::to_wstring(number) + L")";
     return candidate;
 }
