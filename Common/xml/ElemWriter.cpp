@@ -18,13 +18,13 @@ bool IsLeftOut(ZOPersistEntry const& entry, bool isDefault) {
 } // namespace
 
 ZOElemWriter::ZOElemWriter(ZOPersistEntry const* first, ZOPersistEntry const* end, ZOElemWriter* parent,
-                           Filter const* filter)
+                           WriteFilter const* filter)
     : ZOElemWriter(Unplaced(), first, end, parent, filter) {
     Restart_(first, end);
 }
 
 ZOElemWriter::ZOElemWriter(Unplaced, ZOPersistEntry const* first, ZOPersistEntry const* end, ZOElemWriter* parent,
-                           Filter const* filter)
+                           WriteFilter const* filter)
     : current(first), end(end), parent(parent), filter(filter),
       registry(parent ? parent->registry : *ZORegistry::Instance()) {}
 
@@ -43,7 +43,7 @@ void ZOElemWriter::Restart_(ZOPersistEntry const* first, ZOPersistEntry const* l
 std::wstring ZOElemWriter::Tag() {
     std::wstring const& tag = current->persist.Tag;
     if (current->isArray && length == 0) return {};
-    if (filter && !PassesFilter_(Mode::Siblings)) return {};
+    if (selection == Selection::Nothing) return {};
     if (!parent || parent->current->isArray) return tag;
     if (current->persist.IsPersistedAsValue) return !hasText && attributeCount == 0 ? std::wstring() : tag;
     if (!current->persist.IsAllChildrenValue) return tag;
@@ -87,6 +87,8 @@ htl::handle<sys::file::XmlElemWriter> ZOElemWriter::Next() {
 }
 
 htl::handle<sys::file::XmlElemWriter> ZOElemWriter::FirstChild() {
+    // Beside a selected entry only the place counts.
+    if (selection == Selection::Nothing || selection == Selection::Place) return {};
     if (current->persist.IsPersistedAsValue) return {};
     if (!current->isArray && current->persist.IsAllChildrenValue) return {};
     if (current->isArray && length == 0) return {};
@@ -127,18 +129,9 @@ std::wstring ZOElemWriter::ErrorTag() const {
     return path::Join(result, LocalTag());
 }
 
-bool ZOElemWriter::PassesFilter_(Mode mode) const {
-    if (!filter) return true;
-    std::wstring const own = FilterPath();
-    for (std::wstring const& wanted : *filter) {
-        if (wanted.starts_with(own) || own.starts_with(wanted)) return true;
-        if (mode != Mode::Siblings || !wanted.ends_with(L']') || !own.ends_with(L']')) continue;
-        std::size_t const bracket = own.rfind(L'[');
-        if (bracket == wanted.rfind(L'[') && bracket != std::wstring::npos &&
-            own.compare(0, bracket, wanted, 0, bracket) == 0)
-            return true;
-    }
-    return false;
+WriteFilter::Selection ZOElemWriter::AskFilter_() const {
+    if (!filter || (parent && parent->selection == Selection::All)) return Selection::All;
+    return filter->SelectionOf(FilterPath());
 }
 
 sys::file::XmlAttribute& ZOElemWriter::Slot_() {
@@ -171,7 +164,8 @@ void ZOElemWriter::Prepare_() {
     text.clear();
     hasText = textIsGone = false;
     length = current->length;
-    if (!node) return;
+    selection = AskFilter_();
+    if (!node || selection == Selection::Nothing) return;
     if (current->isArray && length == 0) length = node->Length();
 
     if (current->persist.IsPersistedAsValue) {
@@ -180,7 +174,7 @@ void ZOElemWriter::Prepare_() {
         if (isWritten && !hasText) AddAttribute_(L"Missing", L"true");
     } else if (current->isArray) {
         AddAttribute_(L"Len", std::to_wstring(length));
-    } else if (current->persist.IsAllChildrenValue && PassesFilter_(Mode::Exact)) {
+    } else if (current->persist.IsAllChildrenValue && selection != Selection::Place) {
         auto* const wrapper = asWrapper(*node);
         for (ZOPersistEntry const& child : current->children) {
             if (child.persist.Type == meta::MetaPersistTraits::No || !child.getter) continue;
@@ -195,8 +189,9 @@ void ZOElemWriter::Prepare_() {
 }
 
 ZOElemWriterRoot::ZOElemWriterRoot(ZOPersistEntry const* first, ZOPersistEntry const* end,
-                                   hzn::version::NumberKind<0> const& version, Filter const* filter)
-    : ZOElemWriter(Unplaced(), first, end, nullptr, filter), version(version) {
+                                   hzn::version::NumberKind<0> const& version, std::vector<std::wstring> const* wanted)
+    : ZOElemWriter(Unplaced(), first, end, nullptr, nullptr), version(version) {
+    if (wanted) filter = &texts.emplace(*wanted);
     node = registry.Find(first->node->Name());
     Prepare_();
     AddAttribute_(rootattribute::FileVersion(), str::as_wstring(version));
@@ -206,7 +201,7 @@ ZOElemWriterRoot::ZOElemWriterRoot(ZOPersistEntry const* first, ZOPersistEntry c
 std::wstring ZOElemWriterRoot::ErrorTag() const { return LocalTag(); }
 
 ZOElemWriterArrayEntry::ZOElemWriterArrayEntry(ZOPersistEntry const* first, ZOPersistEntry const* end,
-                                               ZOElemWriter* parent, ZOArray* array, Filter const* filter)
+                                               ZOElemWriter* parent, ZOArray* array, WriteFilter const* filter)
     : ZOElemWriter(Unplaced(), first, end, parent, filter), array(array) {
     Restart_(first, end, array);
 }

@@ -5,11 +5,13 @@
 
 #include "Common/model/CastCache.h"
 #include "Common/xml/PersistEntry.h"
+#include "Common/xml/WriteFilter.h"
 
 #include "support/version.h"
 #include "support/xml/XmlElemWriter.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,11 +28,12 @@ class ZOElemWriterArrayEntry;
 /// A cursor over the children of a structure. It reads the current registry and is used while tracking is suspended.
 class ZOElemWriter : public sys::file::XmlElemWriter {
 public:
-    using Filter = std::vector<std::wstring>;
+    using Selection = WriteFilter::Selection;
 
     /// Stands on the first child that has a node; `IsAtEnd` if there is none. The first entry is taken as it is, the
     /// later ones only if their store is active. `parent` and `filter` (null for none) outlive the cursor.
-    ZOElemWriter(ZOPersistEntry const* first, ZOPersistEntry const* end, ZOElemWriter* parent, Filter const* filter);
+    ZOElemWriter(ZOPersistEntry const* first, ZOPersistEntry const* end, ZOElemWriter* parent,
+                 WriteFilter const* filter);
     ~ZOElemWriter() override;
 
     std::wstring Tag() override;
@@ -49,17 +52,16 @@ public:
     bool IsAtEnd() const noexcept { return current == end; }
 
 protected:
-    enum class Mode { Exact, Siblings };
     struct Unplaced {};
 
     /// For derived cursors, which find their first node themselves.
     ZOElemWriter(Unplaced, ZOPersistEntry const* first, ZOPersistEntry const* end, ZOElemWriter* parent,
-                 Filter const* filter);
+                 WriteFilter const* filter);
 
     void Prepare_();
     /// Fetches the value of the current element into `text`; empty where it is left out. Whether it is to be written.
     bool FetchText_();
-    bool PassesFilter_(Mode mode) const;
+    Selection AskFilter_() const;
     /// Stands on the first of other entries under the same parent.
     void Restart_(ZOPersistEntry const* first, ZOPersistEntry const* last);
     /// Memory for one more attribute, emptied. It counts from `attributeCount` on.
@@ -77,8 +79,9 @@ protected:
     ZOElemWriter* parent;
     H node;
     std::size_t length = 0; // of the current array
-    Filter const* filter;
-    ZOSet& registry; // the one that is current during the write
+    WriteFilter const* filter;
+    Selection selection = Selection::All; // of the current element
+    ZOSet& registry;                      // the one that is current during the write
 
 private:
     friend class ZOElemWriterArrayEntry;
@@ -96,12 +99,13 @@ private:
 class ZOElemWriterRoot final : public ZOElemWriter {
 public:
     ZOElemWriterRoot(ZOPersistEntry const* first, ZOPersistEntry const* end, hzn::version::NumberKind<0> const& version,
-                     Filter const* filter);
+                     std::vector<std::wstring> const* filter);
 
     std::wstring ErrorTag() const override;
 
 private:
     hzn::version::NumberKind<0> version;
+    std::optional<WriteFilter> texts;
 };
 
 /// A cursor over the entries of an array, which all have one persist entry.
@@ -109,7 +113,7 @@ class ZOElemWriterArrayEntry final : public ZOElemWriter {
 public:
     /// Stands on the first entry; `HasEntry` says whether there is one. `array` is held by the parent.
     ZOElemWriterArrayEntry(ZOPersistEntry const* first, ZOPersistEntry const* end, ZOElemWriter* parent, ZOArray* array,
-                           Filter const* filter);
+                           WriteFilter const* filter);
 
     htl::handle<sys::file::XmlElemWriter> Next() override;
     bool IsArrayEntry() override;
