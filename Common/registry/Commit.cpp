@@ -2,6 +2,7 @@
 #include "Common/ZOUtil/NamePath.h"
 #include "Common/model/CastCache.h"
 #include "Common/model/ZOWrapper.h"
+#include "Common/registry/BranchCommit.h"
 #include "Common/registry/JournalWriter.h"
 #include "Common/registry/RegistryImpl.h"
 #include "Common/registry/ZORedirect.h"
@@ -163,24 +164,28 @@ private:
     math::UnitSet sourceSet, targetSet;
 };
 
+/// Whether the node is a structure that has no value in the registry either. To look for its node would cost as much as
+/// a value does.
+bool IsStagedStructure(IZO const& node) {
+    // By address: a second description of the type only costs the look.
+    if (&typeid(node) != &typeid(ZOStructClone)) return false;
+    ZORegistryImpl const& tables = impl::Current();
+    if (!tables.HasRow(node.RegID())) return false;
+    IZO const& prototype = *tables.nodes[node.RegID()];
+    return &typeid(prototype) == &typeid(ZOWrapperStruct);
+}
+
 /// Assigns staged nodes one by one.
 class Committer {
 public:
-    Committer(ZOSet& base, Assignment const& assignment, ZOJournal* journal)
-        : base(base), assignment(assignment), baseIsRegistry(&base == ZORegistry::Instance()) {
+    /// `all`, if given, receives every failure.
+    Committer(ZOSet& base, Assignment const& assignment, ZOJournal* journal, std::vector<htl::status>* all = nullptr)
+        : base(base), assignment(assignment), baseIsRegistry(&base == ZORegistry::Instance()), all(all) {
         if (journal) writer.emplace(*journal, base);
     }
 
-    /// Whether nothing could come of an assignment: a structure has no value. To look for its node would cost as much
-    /// as a value does.
-    bool HasNoValue(IZO const& node) const {
-        // By address: a second description of the type only costs the look.
-        if (!baseIsRegistry || &typeid(node) != &typeid(ZOStructClone)) return false;
-        ZORegistryImpl const& tables = impl::Current();
-        if (!tables.HasRow(node.RegID())) return false;
-        IZO const& prototype = *tables.nodes[node.RegID()];
-        return &typeid(prototype) == &typeid(ZOWrapperStruct);
-    }
+    /// Whether nothing could come of an assignment.
+    bool HasNoValue(IZO const& node) const { return baseIsRegistry && IsStagedStructure(node); }
     bool IsAlias(IZO& node) {
         ZORedirect const* const redirect = asRedirect(node);
         return redirect && redirect->IsAlias();
@@ -218,17 +223,29 @@ private:
         if (writer) writer->Before(name, *node, target);
         htl::status failure = assignment(*target, node);
         if (writer) writer->After(target);
-        if (failure.IsError() && !overall.IsError() && !failure.Is(21661)) overall = std::move(failure);
+        if (!failure.IsError() || failure.Is(21661)) return;
+        if (all) all->push_back(failure);
+        if (!overall.IsError()) overall = std::move(failure);
     }
 
     ZOSet& base;
     Assignment const& assignment;
     bool baseIsRegistry;
+    std::vector<htl::status>* all;
     impl::CastCache<ZORedirect> asRedirect;
     std::optional<JournalWriter> writer;
     std::vector<std::pair<std::string, H>> keys;
     htl::status overall;
 };
+
+/// Calls `visit` for the entries at and below `origin`, in their order.
+template <class Visit>
+void ForEachWithin(Entries const& staged, std::string_view origin, Visit const& visit) {
+    auto at = std::lower_bound(staged.begin(), staged.end(), origin,
+                               [](Staged const& entry, std::string_view name) { return entry.Name() < name; });
+    for (; at != staged.end() && at->Name().starts_with(origin); ++at)
+        if (impl::IsWithin(at->Name(), origin)) visit(*at);
+}
 
 /// The node behind a chain of redirects, and its name; empty where the chain leads nowhere.
 H FollowRedirects(H node, std::string& name) {
@@ -270,17 +287,40 @@ htl::status ZOTransaction::CommitAs(std::string const& from, std::string const& 
     Assignment const assignment(*this, sourceUnits, *target, targetUnits);
     Entries const staged(*impl, [](IZO const&) { return false; });
     Committer committer(*target, assignment, journal);
-    auto at = std::lower_bound(staged.begin(), staged.end(), std::string_view(origin),
-                               [](Staged const& entry, std::string_view name) { return entry.Name() < name; });
-    auto const last =
-        std::find_if(at, staged.end(), [&origin](Staged const& entry) { return !entry.Name().starts_with(origin); });
     auto const targetName = [&](Staged const& entry) { return to + std::string(entry.Name().substr(origin.size())); };
     if (journal)
-        for (auto entry = at; entry != last; ++entry)
-            if (impl::IsWithin(entry->Name(), origin)) committer.CoverKeyed(targetName(*entry), *staged.Node(*entry));
-    for (; at != last; ++at)
-        if (impl::IsWithin(at->Name(), origin)) committer.Add(targetName(*at), staged.Node(*at));
+        ForEachWithin(staged, origin,
+                      [&](Staged const& entry) { committer.CoverKeyed(targetName(entry), *staged.Node(entry)); });
+    ForEachWithin(staged, origin, [&](Staged const& entry) { committer.Add(targetName(entry), staged.Node(entry)); });
     return committer.Finish();
+}
+
+struct impl::BranchCommit::Taken {
+    explicit Taken(ZOTransaction& transaction)
+        : target(transaction.Base()), assignment(transaction, {}, *target, {}),
+          staged(*transaction.Impl(), [isRegistry = target.get() == ZORegistry::Instance()](IZO const& node) {
+              return isRegistry && IsStagedStructure(node);
+          }) {}
+
+    htl::handle<ZOSet> target;
+    Assignment assignment;
+    Entries staged;
+};
+
+impl::BranchCommit::BranchCommit(ZOTransaction& transaction) : taken(std::make_unique<Taken>(transaction)) {}
+
+impl::BranchCommit::~BranchCommit() = default;
+
+void impl::BranchCommit::operator()(std::string_view from, std::string const& to,
+                                    std::vector<htl::status>& failures) const {
+    Committer committer(*taken->target, taken->assignment, nullptr, &failures);
+    std::string name;
+    ForEachWithin(taken->staged, from, [&](Staged const& entry) {
+        name = to;
+        name += entry.Name().substr(from.size());
+        committer.Add(name, taken->staged.Node(entry));
+    });
+    (void)committer.Finish(); // the first of the failures that were appended
 }
 
 } // namespace zo
