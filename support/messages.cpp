@@ -32,6 +32,8 @@ constexpr std::array messages = {
     Message{90011, L"{%1} is no file name: %2"},
     Message{90012, L"The text holds a character that no document can carry at position %1."},
     Message{90013, L"{%1} can be read as two numbers. Write \"%2\" for the decimal point and nothing between digits."},
+    Message{90014, L"The clipboard contents were written under version %1, expected %2."},
+    Message{90015, L"The clipboard contents name no version, expected %1."},
 };
 
 static_assert(std::ranges::is_sorted(messages, {}, &Message::id));

@@ -1,0 +1,365 @@
+#include "Common/clip/Merge.h"
+
+#include "Common/clip/ZOClipImportTransaction.h"
+#include "Common/model/ZOArray.h"
+#include "Common/redirect/Identity.h"
+#include "Common/registry/Find.h"
+#include "Common/registry/ZORedirect.h"
+#include "Common/xml/Write.h"
+
+#include "support/unique.h"
+
+#include <typeinfo>
+#include <unordered_set>
+#include <utility>
+
+namespace zo::clip::impl {
+namespace {
+
+using hzn::gid::ContainerRef;
+
+constexpr GID innerMask = 0xFFFF; // the group inside a record, of a packed container number
+
+/// The group word of the records in the container `id` inside `around`, or in one that stands by itself.
+GID GroupOf(GGID const& around, GID id) {
+    return hzn::gid::IsValid(around) ? hzn::gid::PackedContainerGID(around, id) : id;
+}
+
+ContainerRef ReferenceTo(GGID const& around, GID id) {
+    return hzn::gid::IsValid(around) ? ContainerRef(around, id) : ContainerRef({}, id);
+}
+
+ZORedirect const* AsRedirect(H const& node) { return dynamic_cast<ZORedirect const*>(node.get()); }
+
+/// Calls `visit` for each child; of an array also for those behind an element that the set doesn't have.
+template <class Visit>
+void ForEachChild(H const& node, Visit const& visit) {
+    auto* const array = dynamic_cast<ZOArray*>(node.get());
+    if (!array) {
+        for (ZOFwrdIterator at = node->begin(); at.current; ++at) visit(at.current);
+        return;
+    }
+    std::size_t const length = array->Length();
+    for (std::size_t i = 0; i < length; ++i)
+        if (H const element = Find(array, i)) visit(element);
+}
+
+/// Sets the length of the arrays below to 0, as reading a document does: it leaves out arrays without elements.
+void EmptyArrays(H const& object) {
+    std::vector<H> pending{object};
+    while (!pending.empty()) {
+        H const node = std::move(pending.back());
+        pending.pop_back();
+        ForEachChild(node, [&pending](H const& child) {
+            if (AsRedirect(child) || child->GetPersistTraits().Type == meta::MetaPersistTraits::No) return;
+            // An array of fixed length refuses, and its elements may hold others.
+            bool const isArray = dynamic_cast<ZOArray*>(child.get()) != nullptr;
+            if (isArray && !child->SetLength(0).IsError()) return;
+            if (!child->IsValueType()) pending.push_back(child);
+        });
+    }
+}
+
+} // namespace
+
+htl::status CannotPaste() { return htl::status(26502); }
+
+Merge::Merge(ZOTransaction& transaction, std::vector<std::wstring>& names, std::vector<htl::status>& failures)
+    : transaction(transaction), base(*transaction.Base()), names(names), failures(failures) {}
+
+Merge::~Merge() = default;
+
+void Merge::Keep_(htl::status failure) {
+    if (failure.IsError()) failures.push_back(std::move(failure));
+}
+
+void Merge::Run(GID id, GGID const& from, GGID const& to) {
+    source = from;
+    target = to;
+    sourceGroup = GroupOf(source, id);
+    H container = GetSource(&transaction, ReferenceTo(source, id));
+    if (!container) return;
+    ListChildren_(container);
+    container.release();
+
+    Container* const destination = OpenContainer_(ReferenceTo(target, id), GroupOf(target, id), sourceGroup);
+    if (!destination) return Keep_(CannotPaste());
+    MakeNamesUnique_(*destination);
+    for (std::string const& child : children)
+        if (Object& object = ObjectAt_(child, sourceGroup); !object.isBegun) Merge_(object);
+}
+
+void Merge::ListChildren_(H const& container) {
+    std::unordered_set<GID> numbers;
+    ForEachChild(container, [&](H const& child) {
+        GID const number = GetObjectIDByTag(child);
+        if (number != 0 && numbers.insert(number).second) {
+            children.push_back(child->Name());
+            ObjectAt_(children.back(), sourceGroup);
+        }
+    });
+}
+
+void Merge::MakeNamesUnique_(Container& destination) {
+    str::UniqueTexts taken;
+    if (H const container = base.Find(destination.name))
+        ForEachChild(container, [&taken](H const& object) { taken.Add(GetObjectName(object)); });
+    for (std::string const& child : children) {
+        H const object = transaction.Find(child);
+        std::wstring const name = GetObjectName(object);
+        if (name.empty()) continue;
+        std::wstring const unique = taken.Make(name);
+        if (htl::status failure = unique == name ? htl::status() : SetObjectName(object, unique); failure.IsError()) {
+            // Under its old name it would replace the object that has it.
+            Keep_(std::move(failure));
+            ObjectAt_(child, sourceGroup).isRefused = true;
+            continue;
+        }
+        taken.Add(unique);
+    }
+}
+
+void Merge::Merge_(Object& first) {
+    // Links lead in chains of any length, so objects wait in a list of their own and not on the stack.
+    std::vector<Object*> waiting{&first};
+    Begin_(first);
+    while (!waiting.empty()) {
+        Object& object = *waiting.back();
+        if (object.next == object.links.size()) {
+            Finish_(object);
+            waiting.pop_back();
+            continue;
+        }
+        LinkField const& field = object.links[object.next];
+        Goal const goal = GoalOf_(field.link);
+        if (goal.object && !goal.object->isBegun) {
+            Begin_(*goal.object);
+            waiting.push_back(goal.object);
+            continue;
+        }
+        Keep_(Rewrite_(field, goal));
+        ++object.next;
+    }
+}
+
+void Merge::Begin_(Object& object) {
+    object.isBegun = true;
+    object.container = ContainerOf_(object.group);
+    if (!object.container) Keep_(CannotPaste());
+    if (!object.container || object.isRefused) {
+        object.isRefused = object.isChosen = true;
+        return;
+    }
+    // The one record of its group: there is no other that it could become, and nothing to replace it by.
+    if (!object.container->isArray) return;
+    FindLinks_(object);
+}
+
+void Merge::FindLinks_(Object& object) {
+    std::vector<H> pending{transaction.Find(object.name)};
+    std::vector<H> below;
+    while (!pending.empty()) {
+        H const node = std::move(pending.back());
+        pending.pop_back();
+        bool const isArray = dynamic_cast<ZOArray*>(node.get()) != nullptr;
+        bool isPlain = false; // elements of an array are of one sort
+        below.clear();
+        ForEachChild(node, [&](H const& child) {
+            if (isPlain) return;
+            ZORedirect const* const redirect = AsRedirect(child);
+            if (redirect && redirect->IsAlias()) return;
+            if (IsLinkField(child)) {
+                GGID const link = GetLink(child, Link::AsStored);
+                if (hzn::gid::IsValid(link)) below.push_back(child);
+            } else if (!child->IsValueType()) {
+                below.push_back(child);
+            } else {
+                isPlain = isArray;
+            }
+        });
+        // In the order of the document.
+        pending.insert(pending.end(), below.rbegin(), below.rend());
+        while (!pending.empty() && IsLinkField(pending.back())) {
+            AddLink_(object, pending.back());
+            pending.pop_back();
+        }
+    }
+}
+
+void Merge::AddLink_(Object& object, H const& field) {
+    GGID link = GetLink(field, Link::AsStored);
+    if (!hzn::gid::IsFullyQualified(link)) {
+        GGID const around = ContainerRef({}, object.group).EnclosingRecordId();
+        if (hzn::gid::IsValid(around))
+            link.group = hzn::gid::PackedContainerGID(around, link.group);
+        else if (!GetSource(&transaction, link))
+            return; // inside the object itself, where numbers stay
+    }
+    object.links.push_back({field, link});
+}
+
+Merge::Goal Merge::GoalOf_(GGID const& link) {
+    auto const [place, isNew] = goals.try_emplace(hzn::gid::Value(link));
+    if (!isNew) return place->second;
+    // What lies inside a record that is merged itself goes along with it.
+    GGID const around = ContainerRef({}, link.group).EnclosingRecordId();
+    if (hzn::gid::IsValid(around) && !(around == source))
+        if (H const record = GetSource(&transaction, around))
+            if (auto const found = objects.find(record->Name()); found != objects.end())
+                return goals[hzn::gid::Value(link)] = {found->second.get(), true};
+    H const node = GetSource(&transaction, link);
+    // A record of which the document says nothing only keeps the place of others.
+    if (!node || !node->begin().current) return {};
+    return goals[hzn::gid::Value(link)] = {&ObjectAt_(node->Name(), link.group), false};
+}
+
+Merge::Object& Merge::ObjectAt_(std::string const& name, GID group) {
+    std::unique_ptr<Object>& object = objects[name];
+    if (!object) {
+        object = std::make_unique<Object>();
+        object->name = name;
+        object->group = group;
+    }
+    return *object;
+}
+
+htl::status Merge::Rewrite_(LinkField const& field, Goal const& goal) {
+    GGID record; // none
+    if (Object* const object = goal.object) {
+        if (!object->isChosen) Choose_(*object);
+        GID const group = object->container ? object->container->group : 0;
+        if (goal.isInside)
+            record = {hzn::gid::PackedContainerGID({group, object->number}, field.link.group & innerMask),
+                      field.link.id};
+        else if (object->container && !object->container->isArray)
+            record = {group, field.link.id};
+        else
+            record = {group, object->number};
+    }
+    if (!hzn::gid::IsValid(record)) record = {};
+    // A field that holds a number alone knows its group.
+    meta::MetaDataTraits const traits = field.node->GetDataTraits();
+    auto const* const atomic = traits.AsAtomic();
+    if (atomic && *atomic->type != typeid(GGID) && record.group != 0) record.group = atomic->linkGroup;
+    return SetLink(field.node, record);
+}
+
+void Merge::Choose_(Object& object) {
+    object.isChosen = true;
+    if (object.isRefused || !object.container || !object.container->isArray) return;
+    Container& container = *object.container;
+    std::wstring const name = GetObjectName(transaction.Find(object.name));
+    if (!name.empty()) object.place = FindByName_(container, name);
+    if (!object.place.empty()) {
+        object.exists = true;
+        object.number = NumberOf_(container, object.place);
+        return;
+    }
+    H existing = base.Find(container.name);
+    std::size_t const length = existing ? existing->Length() : 0;
+    existing.release();
+    if (htl::status failure = Grow_(container.name, length + 1); failure.IsError()) {
+        Keep_(std::move(failure));
+        object.isRefused = true;
+        return;
+    }
+    object.place = container.name + '[' + std::to_string(length) + ']';
+    object.number = static_cast<GID>(length + 1);
+}
+
+htl::status Merge::Grow_(std::string const& name, std::size_t length) {
+    H container = base.Find(name);
+    if (!container) return ZOError::not_found(name);
+    htl::status failure = container->SetLength(length);
+    if (!failure.Is(21654)) return failure;
+    // Aliases may hold views of elements only to find them sooner.
+    container.release();
+    ZORegistry::Instance()->InvalidateMemory("");
+    container = base.Find(name);
+    return container ? container->SetLength(length) : ZOError::not_found(name);
+}
+
+void Merge::Finish_(Object& object) {
+    if (!object.isChosen) Choose_(object);
+    object.links = {};
+    if (object.place.empty()) return;
+    H const staged = transaction.Find(object.name);
+    Keep_(SetObjectIDByTag(staged, object.number));
+    std::wstring const name = GetObjectName(staged);
+    if (object.exists)
+        if (H const present = base.Find(object.place); !AreZOsIdenticalUsingPersistance(staged, present)) {
+            names.push_back(name);
+            if (present) {
+                present->Clear();
+                EmptyArrays(present);
+            }
+        }
+    Commit_(object);
+    H const placed = base.Find(object.place);
+    if (!placed) return;
+    Keep_(placed->Verify());
+    // By the name that was taken: a rule may have refused it.
+    if (std::wstring const present = GetObjectName(placed); !present.empty() && object.container->isIndexed)
+        object.container->byName.try_emplace(str::FoldCase(present), object.place);
+}
+
+void Merge::Commit_(Object const& object) {
+    // What is locked stages nothing more, so its entries need to be sorted only once.
+    auto const* const lockable = dynamic_cast<ZOTransactionLockable const*>(&transaction);
+    if (!lockable || !lockable->locked) return Keep_(transaction.CommitAs(object.name, object.place, {}, {}));
+    if (!commit) commit.emplace(transaction);
+    (*commit)(object.name, object.place, failures);
+}
+
+Merge::Container* Merge::ContainerOf_(GID group) {
+    if (auto const found = containers.find(group); found != containers.end()) return found->second.get();
+    GGID const around = ContainerRef({}, group).EnclosingRecordId();
+    // Beside the pasted container stand others of the same record.
+    if (hzn::gid::IsValid(around) && around == source)
+        return OpenContainer_(ReferenceTo(target, group & innerMask), GroupOf(target, group & innerMask), group);
+    return OpenContainer_(ContainerRef({}, group), group, group);
+}
+
+Merge::Container* Merge::OpenContainer_(ContainerRef const& reference, GID group, GID groupInDocument) {
+    std::unique_ptr<Container>& container = containers[groupInDocument];
+    H const node = GetSource(&base, reference);
+    if (!node) return nullptr;
+    container = std::make_unique<Container>();
+    container->name = node->Name();
+    container->group = group;
+    container->isArray = dynamic_cast<ZOArray*>(node.get()) != nullptr;
+    return container.get();
+}
+
+void Merge::Index_(Container& container) {
+    container.isIndexed = true;
+    container.byName.clear();
+    if (H const node = base.Find(container.name))
+        ForEachChild(node, [&container](H const& object) {
+            if (std::wstring const name = GetObjectName(object); !name.empty())
+                container.byName.try_emplace(str::FoldCase(name), object->Name());
+        });
+}
+
+std::string Merge::FindByName_(Container& container, std::wstring const& name) {
+    std::wstring const folded = str::FoldCase(name);
+    if (!container.isIndexed) Index_(container);
+    auto found = container.byName.find(folded);
+    if (found == container.byName.end()) return {};
+    // In a container that sorts its objects they may have moved.
+    if (str::FoldCase(GetObjectName(base.Find(found->second))) != folded) {
+        Index_(container);
+        found = container.byName.find(folded);
+    }
+    return found == container.byName.end() ? std::string() : found->second;
+}
+
+GID Merge::NumberOf_(Container const& container, std::string const& place) {
+    H const object = base.Find(place);
+    GID const number = GetObjectIDByTag(object);
+    if (H const found = GetSource(&base, {container.group, number}); found && found->Name() == place) return number;
+    // The number that it says leads elsewhere, and so would a link.
+    return GetRecordID(object, Link::AsStored).id;
+}
+
+} // namespace zo::clip::impl
