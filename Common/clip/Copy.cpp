@@ -1,8 +1,8 @@
 // From nodes to the text of what they and their links lead to.
 #include "Common/clip/Clipboard.h"
+#include "Common/clip/Rows.h"
 #include "Common/model/ZOArray.h"
 #include "Common/redirect/Identity.h"
-#include "Common/registry/Find.h"
 #include "Common/registry/ZORedirect.h"
 #include "Common/xml/Write.h"
 
@@ -23,7 +23,7 @@ namespace {
 class Closure {
 public:
     void Add(H const& node) {
-        pending.push_back({node, false});
+        pending.push_back({node, {}});
         while (!pending.empty()) {
             Step const step = std::move(pending.back());
             pending.pop_back();
@@ -49,27 +49,34 @@ public:
 private:
     struct Step {
         H node;
-        bool isKnown; // the record that it lies in
+        GGID record; // that the node is known to be, or empty
     };
 
-    static bool IsWritten(IZO const& node) { return node.GetPersistTraits().Type != meta::MetaPersistTraits::No; }
-    static ZORedirect const* AsRedirect(H const& node) { return dynamic_cast<ZORedirect const*>(node.get()); }
-
-    void Visit_(Step const& step) {
-        if (!step.node || !IsWritten(*step.node)) return;
-        if (!step.isKnown) AddRecord_(step.node);
-        if (IsLinkField(step.node)) return Follow_(step.node);
-        // Aliases may lead back to where the walk came from.
-        if (AsRedirect(step.node) && !entered.insert(GetSource(step.node)->Name()).second) return;
-        AddChildren_(step.node);
+    static bool IsWritten(IZO const& node) {
+        ZORegistryImpl const& tables = zo::impl::Current();
+        std::size_t const row = node.RegID();
+        // An alias answers with the traits of what it stands for now.
+        auto const type = tables.HasRow(row) && !tables.redirects[row] ? tables.persistTraits[row].Type
+                                                                       : node.GetPersistTraits().Type;
+        return type != meta::MetaPersistTraits::No;
     }
 
-    void AddRecord_(H const& node) {
+    void Visit_(Step const& step) {
+        H const& node = step.node;
+        if (!node || !IsWritten(*node)) return;
+        AddRecord_(node, step.record);
+        if (IsLinkField(node)) return Follow_(node);
+        // Aliases may lead back to where the walk came from.
+        if (dynamic_cast<ZORedirect const*>(node.get()) && !entered.insert(GetSource(node)->Name()).second) return;
+        AddChildren_(node);
+    }
+
+    void AddRecord_(H const& node, GGID const& known) {
         GGID const record = GetRecordID(node, Link::Packed);
         if (!hzn::gid::IsValid(record)) return;
         auto const [place, isNew] = records.try_emplace(record);
         if (!isNew && walked.contains(record)) return;
-        H const source = GetSource(record);
+        H const source = record == known ? node : GetSource(record);
         if (isNew && source) place->second = xml::TransformForWriteFilterList(source);
         if (source && source->RegID() == node->RegID() && source->Name() == node->Name()) walked.insert(record);
     }
@@ -77,20 +84,23 @@ private:
     void Follow_(H const& field) {
         GGID const link = GetLink(field, Link::Packed);
         // A field of a record may have been copied before: only its own walk tells all links of a record.
-        if (hzn::gid::IsValid(link) && walked.insert(link).second) pending.push_back({GetSource(link), false});
+        if (hzn::gid::IsValid(link) && walked.insert(link).second) pending.push_back({GetSource(link), link});
     }
 
     void AddChildren_(H const& node) {
         auto const* const array = dynamic_cast<ZOArray const*>(node.get());
-        bool const hasRecords = array && HasRecords(*array);
-        for (ZOFwrdIterator at = node->begin(); at.current; ++at) {
-            H const& child = at.current;
-            // The elements of an array are of one sort; those that are no links have nothing to tell.
-            if (array && !hasRecords && IsPlain(child)) return;
-            // What is no element lies in the record that its parent lies in.
-            bool const isKnown = !array && !AsRedirect(child) && child->IsValueType();
-            if (isKnown && !IsLinkField(child)) continue;
-            pending.push_back({child, isKnown});
+        if (!array) return impl::ForEachReference(node, [this](H const& child) { AddPart_(child); });
+        if (!HasRecords(*array) && impl::HasPlainElements(*node)) return;
+        for (ZOFwrdIterator at = node->begin(); at.current; ++at) pending.push_back({at.current, {}});
+    }
+
+    /// A part of a structure. A link field lies in the record that the structure lies in.
+    void AddPart_(H const& part) {
+        auto const* const redirect = dynamic_cast<ZORedirect const*>(part.get());
+        if (redirect && !redirect->IsAlias() && IsLinkField(part)) {
+            if (IsWritten(*part)) Follow_(part);
+        } else {
+            pending.push_back({part, {}});
         }
     }
 
@@ -99,7 +109,6 @@ private:
         auto const* const record = traits.AsArray();
         return record && record->recordGroup;
     }
-    static bool IsPlain(H const& node) { return node->IsValueType() && !AsRedirect(node) && !IsLinkField(node); }
 
     std::vector<Step> pending;
     std::map<GGID, std::optional<std::wstring>> records; // with what selects each one; none for one without a node

@@ -1,5 +1,6 @@
 #include "Common/clip/Merge.h"
 
+#include "Common/clip/Rows.h"
 #include "Common/clip/ZOClipImportTransaction.h"
 #include "Common/model/ZOArray.h"
 #include "Common/redirect/Identity.h"
@@ -85,18 +86,15 @@ void Merge::Run(GID id, GGID const& from, GGID const& to) {
     Container* const destination = OpenContainer_(ReferenceTo(target, id), GroupOf(target, id), sourceGroup);
     if (!destination) return Keep_(CannotPaste());
     MakeNamesUnique_(*destination);
-    for (std::string const& child : children)
-        if (Object& object = ObjectAt_(child, sourceGroup); !object.isBegun) Merge_(object);
+    for (Object* const child : children)
+        if (!child->isBegun) Merge_(*child);
 }
 
 void Merge::ListChildren_(H const& container) {
     std::unordered_set<GID> numbers;
     ForEachChild(container, [&](H const& child) {
         GID const number = GetObjectIDByTag(child);
-        if (number != 0 && numbers.insert(number).second) {
-            children.push_back(child->Name());
-            ObjectAt_(children.back(), sourceGroup);
-        }
+        if (number != 0 && numbers.insert(number).second) children.push_back(&ObjectAt_(child, sourceGroup));
     });
 }
 
@@ -104,18 +102,19 @@ void Merge::MakeNamesUnique_(Container& destination) {
     str::UniqueTexts taken;
     if (H const container = base.Find(destination.name))
         ForEachChild(container, [&taken](H const& object) { taken.Add(GetObjectName(object)); });
-    for (std::string const& child : children) {
-        H const object = transaction.Find(child);
-        std::wstring const name = GetObjectName(object);
-        if (name.empty()) continue;
-        std::wstring const unique = taken.Make(name);
-        if (htl::status failure = unique == name ? htl::status() : SetObjectName(object, unique); failure.IsError()) {
-            // Under its old name it would replace the object that has it.
-            Keep_(std::move(failure));
-            ObjectAt_(child, sourceGroup).isRefused = true;
-            continue;
+    for (Object* const child : children) {
+        if (child->name.empty()) continue;
+        std::wstring unique = taken.Make(child->name);
+        if (unique != child->name) {
+            if (htl::status failure = SetObjectName(child->node, unique); failure.IsError()) {
+                // Under its old name it would replace the object that has it.
+                Keep_(std::move(failure));
+                child->isRefused = true;
+                continue;
+            }
+            child->name = std::move(unique);
         }
-        taken.Add(unique);
+        taken.Add(child->name);
     }
 }
 
@@ -156,38 +155,32 @@ void Merge::Begin_(Object& object) {
 }
 
 void Merge::FindLinks_(Object& object) {
-    std::vector<H> pending{transaction.Find(object.name)};
+    std::vector<H> pending{object.node};
     std::vector<H> below;
+    auto const add = [&below](H const& child) {
+        ZORedirect const* const redirect = AsRedirect(child);
+        if (!redirect || !redirect->IsAlias()) below.push_back(child);
+    };
     while (!pending.empty()) {
         H const node = std::move(pending.back());
         pending.pop_back();
-        bool const isArray = dynamic_cast<ZOArray*>(node.get()) != nullptr;
-        bool isPlain = false; // elements of an array are of one sort
+        if (IsLinkField(node)) {
+            AddLink_(object, node);
+            continue;
+        }
         below.clear();
-        ForEachChild(node, [&](H const& child) {
-            if (isPlain) return;
-            ZORedirect const* const redirect = AsRedirect(child);
-            if (redirect && redirect->IsAlias()) return;
-            if (IsLinkField(child)) {
-                GGID const link = GetLink(child, Link::AsStored);
-                if (hzn::gid::IsValid(link)) below.push_back(child);
-            } else if (!child->IsValueType()) {
-                below.push_back(child);
-            } else {
-                isPlain = isArray;
-            }
-        });
+        if (!dynamic_cast<ZOArray const*>(node.get()))
+            ForEachReference(node, add);
+        else if (!HasPlainElements(*node))
+            ForEachChild(node, add);
         // In the order of the document.
         pending.insert(pending.end(), below.rbegin(), below.rend());
-        while (!pending.empty() && IsLinkField(pending.back())) {
-            AddLink_(object, pending.back());
-            pending.pop_back();
-        }
     }
 }
 
 void Merge::AddLink_(Object& object, H const& field) {
     GGID link = GetLink(field, Link::AsStored);
+    if (!hzn::gid::IsValid(link)) return;
     if (!hzn::gid::IsFullyQualified(link)) {
         GGID const around = ContainerRef({}, object.group).EnclosingRecordId();
         if (hzn::gid::IsValid(around))
@@ -205,19 +198,20 @@ Merge::Goal Merge::GoalOf_(GGID const& link) {
     GGID const around = ContainerRef({}, link.group).EnclosingRecordId();
     if (hzn::gid::IsValid(around) && !(around == source))
         if (H const record = GetSource(&transaction, around))
-            if (auto const found = objects.find(record->Name()); found != objects.end())
-                return goals[hzn::gid::Value(link)] = {found->second.get(), true};
+            if (auto const found = objects.find(record.get()); found != objects.end())
+                return place->second = {found->second.get(), true};
     H const node = GetSource(&transaction, link);
     // A record of which the document says nothing only keeps the place of others.
-    if (!node || !node->begin().current) return {};
-    return goals[hzn::gid::Value(link)] = {&ObjectAt_(node->Name(), link.group), false};
+    if (!node || (!objects.contains(node.get()) && !node->begin().current)) return {};
+    return place->second = {&ObjectAt_(node, link.group), false};
 }
 
-Merge::Object& Merge::ObjectAt_(std::string const& name, GID group) {
-    std::unique_ptr<Object>& object = objects[name];
+Merge::Object& Merge::ObjectAt_(H const& node, GID group) {
+    std::unique_ptr<Object>& object = objects[node.get()];
     if (!object) {
         object = std::make_unique<Object>();
-        object->name = name;
+        object->node = node;
+        object->name = GetObjectName(node);
         object->group = group;
     }
     return *object;
@@ -248,8 +242,7 @@ void Merge::Choose_(Object& object) {
     object.isChosen = true;
     if (object.isRefused || !object.container || !object.container->isArray) return;
     Container& container = *object.container;
-    std::wstring const name = GetObjectName(transaction.Find(object.name));
-    if (!name.empty()) object.place = FindByName_(container, name);
+    if (!object.name.empty()) object.place = FindByName_(container, object.name);
     if (!object.place.empty()) {
         object.exists = true;
         object.number = NumberOf_(container, object.place);
@@ -283,32 +276,32 @@ void Merge::Finish_(Object& object) {
     if (!object.isChosen) Choose_(object);
     object.links = {};
     if (object.place.empty()) return;
-    H const staged = transaction.Find(object.name);
-    Keep_(SetObjectIDByTag(staged, object.number));
-    std::wstring const name = GetObjectName(staged);
+    Keep_(SetObjectIDByTag(object.node, object.number));
     if (object.exists)
-        if (H const present = base.Find(object.place); !AreZOsIdenticalUsingPersistance(staged, present)) {
-            names.push_back(name);
+        if (H const present = base.Find(object.place); !AreZOsIdenticalUsingPersistance(object.node, present)) {
+            names.push_back(object.name);
             if (present) {
                 present->Clear();
                 EmptyArrays(present);
             }
         }
+    std::size_t const failuresBefore = failures.size();
     Commit_(object);
     H const placed = base.Find(object.place);
     if (!placed) return;
     Keep_(placed->Verify());
-    // By the name that was taken: a rule may have refused it.
-    if (std::wstring const present = GetObjectName(placed); !present.empty() && object.container->isIndexed)
-        object.container->byName.try_emplace(str::FoldCase(present), object.place);
+    if (!object.container->isIndexed) return;
+    // A rule of the target may have refused the name.
+    std::wstring const name = failures.size() == failuresBefore ? object.name : GetObjectName(placed);
+    if (!name.empty()) object.container->byName.try_emplace(str::FoldCase(name), object.place);
 }
 
 void Merge::Commit_(Object const& object) {
     // What is locked stages nothing more, so its entries need to be sorted only once.
     auto const* const lockable = dynamic_cast<ZOTransactionLockable const*>(&transaction);
-    if (!lockable || !lockable->locked) return Keep_(transaction.CommitAs(object.name, object.place, {}, {}));
+    if (!lockable || !lockable->locked) return Keep_(transaction.CommitAs(object.node->Name(), object.place, {}, {}));
     if (!commit) commit.emplace(transaction);
-    (*commit)(object.name, object.place, failures);
+    (*commit)(object.node->Name(), object.place, failures);
 }
 
 Merge::Container* Merge::ContainerOf_(GID group) {

@@ -45,7 +45,8 @@ private:
     };
     /// An object of the document on its way.
     struct Object {
-        std::string name;               // of its node in the transaction
+        H node; // in the transaction
+        std::wstring name;
         GID group = 0;                  // in the document
         Container* container = nullptr; // in the target, null if it isn't there
         std::vector<LinkField> links;
@@ -70,7 +71,7 @@ private:
     void FindLinks_(Object& object);
     void AddLink_(Object& object, H const& field);
     Goal GoalOf_(GGID const& link);
-    Object& ObjectAt_(std::string const& name, GID group);
+    Object& ObjectAt_(H const& node, GID group);
     htl::status Rewrite_(LinkField const& field, Goal const& goal);
     /// Settles the object's place and number: those of the object of its name, or new ones.
     void Choose_(Object& object);
@@ -92,13 +93,13 @@ private:
     std::vector<std::wstring>& names;
     std::vector<htl::status>& failures;
 
-    GGID source;                       // the record around the pasted container in the document, and
-    GGID target;                       // in the target
-    GID sourceGroup = 0;               // of the pasted objects in the document
-    std::vector<std::string> children; // the pasted objects
-    std::unordered_map<GID, std::unique_ptr<Container>> containers; // by the group in the document
-    std::unordered_map<std::string, std::unique_ptr<Object>> objects;
-    std::unordered_map<std::uint64_t, Goal> goals; // by link
+    GGID source;                   // the record around the pasted container in the document, and
+    GGID target;                   // in the target
+    GID sourceGroup = 0;           // of the pasted objects in the document
+    std::vector<Object*> children; // the pasted objects
+    std::unordered_map<GID, std::unique_ptr<Container>> containers;  // by the group in the document
+    std::unordered_map<IZO const*, std::unique_ptr<Object>> objects; // by node
+    std::unordered_map<std::uint64_t, Goal> goals;                   // by link
     std::optional<zo::impl::BranchCommit> commit;
 };
 
