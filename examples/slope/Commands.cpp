@@ -4,6 +4,7 @@
 #include "examples/slope/Demo.h"
 #include "examples/slope/Display.h"
 #include "examples/slope/Document.h"
+#include "examples/slope/Exchange.h"
 #include "examples/slope/Grid.h"
 #include "examples/slope/Import.h"
 #include "examples/slope/Options.h"
@@ -13,12 +14,15 @@
 #include "examples/slope/Text.h"
 #include "examples/slope/Tree.h"
 
+#include "Common/schema/Schema.h"
+#include "Common/schema/Xsd.h"
 #include "support/locale.h"
 
 #include <array>
 #include <charconv>
 #include <cstdlib>
 #include <filesystem>
+#include <istream>
 #include <ostream>
 #include <string_view>
 #include <system_error>
@@ -31,8 +35,9 @@ namespace {
 
 constexpr std::size_t shownElements = 20;
 
-/// What every command writes to.
+/// What every command reads from and writes to.
 struct Streams {
+    std::istream& in;
     std::ostream& out;
     std::ostream& err;
 
@@ -90,37 +95,96 @@ int Get(Options const& options, Streams const& streams) {
     return report.IsClean() ? exitOk : exitProblems;
 }
 
-int Set(Options const& options, Streams const& streams) {
-    std::string const& file = options.arguments[0];
-    Document document;
-    LoadReport const report = LoadWithProgress(document, file);
-    auto const refuse = [&](std::string const& message) {
-        streams.Problem(message);
-        return streams.Problem(file + " stays as it is.");
-    };
-    if (report.failure.IsError()) return refuse(Message(report.failure));
-    if (!report.dropped.empty()) {
-        // Saving would write the file without what the load couldn't take.
-        for (std::string const& line : report.dropped) streams.Problem(line);
-        return refuse("Saving would lose what couldn't be read.");
-    }
-    Warn(report, file, streams); // a file with bad values can be mended
+/// A file that a command changes: loaded, and saved once all of the change is made.
+class Change {
+public:
+    Change(std::string const& file, Streams const& streams)
+        : file(file), streams(streams), report(LoadWithProgress(document, file)) {}
 
+    /// Whether the file could be saved without losing any of it; says what would be lost.
+    bool CanBegin() const {
+        if (report.failure.IsError()) return Refuse({Message(report.failure)}), false;
+        if (!report.dropped.empty()) {
+            // Saving would write the file without what the load couldn't take.
+            std::vector<std::string> reasons = report.dropped;
+            reasons.push_back("Saving would lose what couldn't be read.");
+            return Refuse(reasons), false;
+        }
+        Warn(report, file, streams); // a file with bad values can be mended
+        return true;
+    }
+    int Refuse(std::vector<std::string> const& reasons) const {
+        for (std::string const& reason : reasons) streams.Problem(reason);
+        return streams.Problem(file + " stays as it is.");
+    }
+    /// Saves the file, and writes what was done in it.
+    int Save(std::string const& done) {
+        if (htl::status const failure = document.Save(file); failure.IsError()) return Refuse({Message(failure)});
+        streams.out << done;
+        // Such as regions whose material went with the others. Saved all the same: the next command may mend it.
+        if (std::size_t const count = document.Problems().size(); count > report.invalid.size())
+            streams.Problem(file + " has " + Count(count, "problem", "problems") + " now; `slope check` lists them.");
+        return exitOk;
+    }
+
+    Document document;
+
+private:
+    std::string const& file;
+    Streams const& streams;
+    LoadReport report;
+};
+
+int Set(Options const& options, Streams const& streams) {
+    Change change(options.arguments[0], streams);
+    if (!change.CanBegin()) return exitProblems;
     std::vector<WantedValue> wanted;
     for (std::size_t i = 1; i + 1 < options.arguments.size(); i += 2)
         wanted.push_back({options.arguments[i], options.arguments[i + 1]});
     std::vector<ChangedValue> changed;
-    std::vector<std::string> const problems = SetValues(document, wanted, options.tag, changed);
-    for (std::string const& problem : problems) streams.Problem(problem);
-    if (!problems.empty()) return streams.Problem(file + " stays as it is.");
-    if (htl::status const failure = document.Save(file); failure.IsError()) return refuse(Message(failure));
+    std::vector<std::string> const problems = SetValues(change.document, wanted, options.tag, changed);
+    if (!problems.empty()) return change.Refuse(problems);
+    std::string done;
     for (ChangedValue const& value : changed)
-        streams.out << value.name << ": " << value.before << " -> " << value.after
-                    << (value.asked.empty() ? "" : " (by way of " + value.asked + ")") << '\n';
-    // Such as regions whose material went with the others. Saved all the same: the next command may mend it.
-    if (std::size_t const count = document.Problems().size(); count > report.invalid.size())
-        streams.Problem(file + " has " + Count(count, "problem", "problems") + " now; `slope check` lists them.");
-    return exitOk;
+        done += value.name + ": " + value.before + " -> " + value.after +
+                (value.asked.empty() ? "" : " (by way of " + value.asked + ")") + "\n";
+    return change.Save(done);
+}
+
+int Copy(Options const& options, Streams const& streams) {
+    Document document;
+    LoadReport const report = LoadWithProgress(document, options.arguments[0]);
+    if (!Warn(report, options.arguments[0], streams)) return exitProblems;
+    std::vector<std::string> const names(options.arguments.begin() + 1, options.arguments.end());
+    std::string text;
+    std::vector<std::string> const problems = CopyText(document, names, options.tag, text);
+    for (std::string const& problem : problems) streams.Problem(problem);
+    streams.out << text;
+    return report.IsClean() && problems.empty() ? exitOk : exitProblems;
+}
+
+/// All of a stream, up to a size that no copied text comes near. False for more.
+bool ReadAll(std::istream& in, std::string& text) {
+    constexpr std::size_t most = 256'000'000, piece = 65'536;
+    for (std::size_t size = 0; in && size <= most; size += static_cast<std::size_t>(in.gcount())) {
+        text.resize(size + piece);
+        in.read(text.data() + size, static_cast<std::streamsize>(piece));
+        text.resize(size + static_cast<std::size_t>(in.gcount()));
+    }
+    return text.size() <= most;
+}
+
+int Paste(Options const& options, Streams const& streams) {
+    Change change(options.arguments[0], streams);
+    if (!change.CanBegin()) return exitProblems;
+    std::string text;
+    if (!ReadAll(streams.in, text)) return change.Refuse({"The text is too long to be one that `slope copy` made."});
+    Pasted const pasted = PasteText(change.document, text);
+    if (!pasted.problems.empty()) return change.Refuse(pasted.problems);
+    std::string done;
+    for (std::string const& name : pasted.added) done += "Added " + name + "\n";
+    for (std::string const& name : pasted.replaced) done += "Replaced what is called " + name + "\n";
+    return change.Save(done);
 }
 
 int Check(Options const& options, Streams const& streams) {
@@ -262,6 +326,25 @@ int WriteTexts(Options const& options, Streams const& streams) {
     return exitOk;
 }
 
+int WriteSchema(Options const& options, Streams const& streams) {
+    std::wstring const file = Wide(options.arguments[0]);
+    Document document;
+    htl::status failure = document.Present();
+    if (!failure.IsError()) failure = options.asSeen ? zo::schema::Save(0, file) : zo::schema::Save(file);
+    if (failure.IsError()) return streams.Problem(Message(failure));
+    streams.out << "The schema is in " << options.arguments[0] << '\n';
+    return exitOk;
+}
+
+int WriteXsd(Options const& options, Streams const& streams) {
+    Document document;
+    htl::status failure = document.Present(); // the labels are in it
+    if (!failure.IsError()) failure = zo::schema::SaveXsd(Wide(options.arguments[0]));
+    if (failure.IsError()) return streams.Problem(Message(failure));
+    streams.out << "The XML Schema is in " << options.arguments[0] << '\n';
+    return exitOk;
+}
+
 int Large(Options const& options, Streams const& streams) {
     std::size_t count = largeCellCount;
     if (!options.arguments.empty()) {
@@ -278,7 +361,7 @@ int Large(Options const& options, Streams const& streams) {
 
 } // namespace
 
-int RunCommandLine(std::vector<std::string> const& words, std::ostream& out, std::ostream& err) {
+int RunCommandLine(std::vector<std::string> const& words, std::istream& in, std::ostream& out, std::ostream& err) {
     Options options;
     std::string mistake;
     if (!ParseOptions(words, options, mistake)) {
@@ -289,18 +372,22 @@ int RunCommandLine(std::vector<std::string> const& words, std::ostream& out, std
         out << HelpText();
         return exitOk;
     }
-    Streams const streams{out, err};
+    Streams const streams{in, out, err};
     // Numbers go with the words around them, whatever the system is set to.
     str::locale::SetNative({WordsOf(LanguageOf(options)).decimalPoint, L'\0'});
     if (options.command == "show") return Show(options, streams);
     if (options.command == "get") return Get(options, streams);
     if (options.command == "set") return Set(options, streams);
+    if (options.command == "copy") return Copy(options, streams);
+    if (options.command == "paste") return Paste(options, streams);
     if (options.command == "check") return Check(options, streams);
     if (options.command == "import") return Import(options, streams);
     if (options.command == "grid") return ShowGrid(options, streams);
     if (options.command == "explain") return Explain(options, streams);
     if (options.command == "report") return WriteReport(options, streams);
     if (options.command == "table") return CheckTables(streams);
+    if (options.command == "schema") return WriteSchema(options, streams);
+    if (options.command == "xsd") return WriteXsd(options, streams);
     if (options.command == "loctext") return WriteTexts(options, streams);
     if (options.command == "large") return Large(options, streams);
     return RunDemo(options.data.empty() ? DefaultDataFolder() : options.data, options.problem, options.out, out, err)

@@ -14,7 +14,8 @@ enum ExitStatus {
     exitUsage = 2     ///< the command line makes no sense
 };
 
-/// Runs a command line without the program's name. Results go to `out`, messages to `err`.
-int RunCommandLine(std::vector<std::string> const& words, std::ostream& out, std::ostream& err);
+/// Runs a command line without the program's name. Results go to `out`, messages to `err`; what is pasted comes from
+/// `in`.
+int RunCommandLine(std::vector<std::string> const& words, std::istream& in, std::ostream& out, std::ostream& err);
 
 } // namespace slope

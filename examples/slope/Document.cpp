@@ -13,7 +13,6 @@ namespace slope {
 
 namespace {
 
-constexpr hzn::version::NumberKind<0> formatVersion{1, 0};
 constexpr std::size_t mostBadValues = 11; // that a load names
 
 math::UnitSet SetOf(UnitSystem system) {
@@ -89,13 +88,13 @@ std::vector<zo::H> Document::Aliases() {
 
 htl::status Document::Save(std::string const& path) {
     MakeCurrent();
-    return zo::xml::FileWrite(Wide(path), formatVersion);
+    return zo::xml::FileWrite(Wide(path), documentVersion);
 }
 
 LoadReport Document::Load(std::string const& path) {
     SetContent({});
     LoadReport report;
-    double const ours = hzn::version::number::Encode(formatVersion);
+    double const ours = hzn::version::number::Encode(documentVersion);
     auto const collect = [&](zo::ZOSet*, zo::xml::Unknowns& unknown, double version, zo::xml::impl::XMLError&) {
         if (version == missing)
             report.dropped.push_back("The document has no version, so it may be no slope project.");

@@ -14,6 +14,9 @@
 
 namespace slope {
 
+/// The format of the documents that this application writes.
+inline constexpr hzn::version::NumberKind<0> documentVersion{1, 0};
+
 /// What a load came across.
 struct LoadReport {
     htl::status failure;              ///< the file can't be opened, or isn't well-formed: with line and column

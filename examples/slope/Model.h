@@ -44,6 +44,7 @@ struct Material {
     unsigned long color = 0xB0B0B0; // 0xBBGGRR, the order that the library has colours in
     std::array<double, 4> anisotropy{1, 1, 1,
                                      1}; // factor on the strength at 0, 30, 60 and 90 degrees to the horizontal
+    int id = 0;                          // its number, from 1, while it is copied or pasted; else 0
 };
 
 struct Point {
@@ -65,6 +66,7 @@ struct Region {
     int material = 0;       // number of the material, from 1; 0 for none
     std::vector<int> lines; // numbers of its top line and of its bottom line, from 1
     double area = missing;  // m2 or ft2, as of the last `UpdateAreas`; nobody saves it
+    int id = 0;             // as that of a material
 };
 
 enum class WaterKind { PiezometricLine = 1, PorePressureRatio };
@@ -85,6 +87,7 @@ struct Analysis {
     double factorOfSafety = 0;
     double lambda = missing; // of the methods that have one
     FactorSource source = FactorSource::Published;
+    int id = 0; // as that of a material
 };
 
 struct SlipCircle {

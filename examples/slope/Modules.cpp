@@ -141,6 +141,7 @@ void ProjectModule(Kit& kit, std::shared_ptr<Project> const& project, Language l
 void MaterialModule(Kit& kit, std::shared_ptr<Project> const& project, Language language) {
     Enum<StrengthModel>(kit, strengthWords, language);
     kit.Record<Material>("Material")
+        .Field<&Material::id>("ID", L"ID", {.editable = NotByPeople, .persist = Persist::IfNotDefault})
         .Field<&Material::name>("Name", L"Name")
         .Field<&Material::strength>("Strength", L"Strength")
         .Field<&Material::cohesion>("Cohesion", L"Cohesion", {.unit = Kind::Stress, .min = 0})
@@ -162,6 +163,7 @@ void GeometryModule(Kit& kit, std::shared_ptr<Project> const& project, Language 
         .Field<&Line::role>("Role", L"Role")
         .Array<&Line::points>("Points", L"Points", {.dflt = 1, .min = 1});
     kit.Record<Region>("Region")
+        .Field<&Region::id>("ID", L"ID", {.editable = NotByPeople, .persist = Persist::IfNotDefault})
         .Field<&Region::name>("Name", L"Name")
         .Link<&Region::material>("Material", L"Material", materialRecords) // Regions[2].Material.Cohesion
         .Array<&Region::lines>("Lines", L"Lines", {.dflt = 1, .min = 1})
@@ -193,6 +195,7 @@ void WaterModule(Kit& kit, std::shared_ptr<Project> const& project, Language lan
 void AnalysisModule(Kit& kit, std::shared_ptr<Project> const& project, Language language) {
     Enum<FactorSource>(kit, factorSourceWords, language);
     kit.Record<Analysis>("Analysis")
+        .Field<&Analysis::id>("ID", L"ID", {.editable = NotByPeople, .persist = Persist::IfNotDefault})
         .Field<&Analysis::method>("Method", L"Method")
         .Link<&Analysis::region>("Region", L"Region", regionRecords, {.persist = Persist::IfNotDefault})
         .Field<&Analysis::factorOfSafety>("FactorOfSafety", L"FactorOfSafety", {.min = 0})

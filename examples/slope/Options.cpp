@@ -13,8 +13,9 @@ namespace {
 
 struct Command {
     std::string_view name, arguments, what;
-    std::size_t fewest, most;  // arguments; of any number of them, an odd one: a file and pairs
+    std::size_t fewest, most;  // arguments
     std::string_view switches; // the options that it takes
+    bool hasPairs = false;     // behind the first argument
 };
 
 constexpr std::size_t manyArguments = std::numeric_limits<std::size_t>::max();
@@ -24,7 +25,10 @@ constexpr std::array commands{
     Command{"show", "FILE", "print the tree of a saved file", 1, 1, ""},
     Command{"get", "FILE NAME", "print one value", 2, 2, "--tag"},
     Command{"set", "FILE NAME VALUE [NAME VALUE]...", "change values, all or none, and save the file", 3, manyArguments,
-            "--tag"},
+            "--tag", true},
+    Command{"copy", "FILE NAME...", "print materials, regions or analyses, with all that they use, to be pasted", 2,
+            manyArguments, "--tag"},
+    Command{"paste", "FILE", "add what copy printed, read from standard input, and save the file", 1, 1, ""},
     Command{"check", "FILE", "list everything that is wrong with a file", 1, 1, ""},
     Command{"import", "PROBLEM FILE", "save a published problem as a file", 2, 2, "--data"},
     Command{"grid", "FILE", "print what people see of a file: label, value, unit", 1, 1,
@@ -33,6 +37,9 @@ constexpr std::array commands{
             "--view --physics --mode --lang --tag"},
     Command{"report", "FILE PAGE", "write a page of HTML with a cross-section", 2, 2, "--lang --units"},
     Command{"table", "", "check the application's tables of labels and rules", 0, 0, ""},
+    Command{"schema", "OUT [--view]", "describe what is declared, or with --view what people see of it", 1, 1,
+            "--view"},
+    Command{"xsd", "OUT", "write an XML Schema by which other tools can check a file", 1, 1, ""},
     Command{"loctext", "OUT [EARLIER]", "write the texts of the table for a translator, with those of EARLIER", 1, 2,
             ""},
     Command{"large", "[COUNT]", "make, save, load and compare COUNT cells (106257)", 0, 1, "--out"},
@@ -124,6 +131,10 @@ bool ParseOptions(std::vector<std::string> const& words, Options& options, std::
             options.tag = true;
             continue;
         }
+        if (word == "--view" && !plain.empty() && plain.front() == "schema") {
+            options.asSeen = true;
+            continue;
+        }
         if (++i == words.size() || words[i].empty()) {
             mistake = word + " needs a value.";
             return false;
@@ -147,7 +158,7 @@ bool ParseOptions(std::vector<std::string> const& words, Options& options, std::
         return false;
     }
     std::size_t const count = options.arguments.size();
-    if (count < command->fewest || count > command->most || (command->most == manyArguments && count % 2 == 0)) {
+    if (count < command->fewest || count > command->most || (command->hasPairs && count % 2 == 0)) {
         mistake = "Usage: slope " + std::string(command->name) +
                   (command->arguments.empty() ? "" : " " + std::string(command->arguments));
         return false;
@@ -184,7 +195,13 @@ std::string HelpText() {
         "`set` takes its pairs in any order; lengths and links come first by themselves, and Project.HasWater makes\n"
         "the water before its values are set. If one is refused, all that is wrong is listed and nothing is saved.\n"
         "Analyses are solute, dynamic, water, stress, slope, heat, air and project; all stands for each of them.\n"
-        "A file is only ever replaced as a whole, and `set` doesn't touch one of which it couldn't read everything.\n"
+        "`copy` takes single ones, all of one kind, or a whole list: copy a.xml Regions[0] Regions[1]. A region "
+        "brings\n"
+        "its material, an analysis its region. `paste` adds them under names of their own; what they use is what goes "
+        "by\n"
+        "its name in FILE, and is replaced if it differs. Numbers of lines stay as they are.\n"
+        "A file is only ever replaced as a whole, and `set` and `paste` don't touch one of which they couldn't read\n"
+        "everything.\n"
         "\n"
         "Exit status: 0 all is well; 1 something was refused, differs, or is wrong with a file; 2 the command line\n"
         "makes no sense.\n";

@@ -21,6 +21,7 @@ struct Options {
     std::string units;             // --units; empty: the project's own
     std::string color = "auto";    // --color
     bool tag = false;              // --tag
+    bool asSeen = false;           // --view of the schema, which has no word
     bool help = false;             // --help, -h
 };
 

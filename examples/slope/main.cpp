@@ -11,7 +11,7 @@ int main(int argumentCount, char** arguments) {
     try {
         std::vector<std::string> const words(arguments + (argumentCount ? 1 : 0), arguments + argumentCount);
         hzn::version::SetCurrent({.application = {1, 0, 0, 0}}); // documents say which application wrote them
-        int const status = slope::RunCommandLine(words, std::cout, std::cerr);
+        int const status = slope::RunCommandLine(words, std::cin, std::cout, std::cerr);
         // A full disk behind a pipe shows only now.
         if (!std::cout.flush()) {
             std::cerr << "slope: the output can't be written.\n";

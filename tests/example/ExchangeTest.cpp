@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -49,7 +51,7 @@ TEST_F(ExchangeTest, LoctextWritesTheTextsOfTheTable) {
     EXPECT_EQ(outcome.exitStatus, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "The texts are in " + file + "\n");
     EXPECT_TRUE(HoldsTextsOf(file, slope::EnglishTable()));
-    EXPECT_TRUE(Holds(ReadFile(file), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Meta_ExtendedInfo Len=\"75\">\n"));
+    EXPECT_TRUE(Holds(ReadFile(file), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Meta_ExtendedInfo Len=\"76\">\n"));
 }
 
 TEST_F(ExchangeTest, LoctextTakesOverAnEarlierTranslation) {
@@ -79,6 +81,114 @@ TEST_F(ExchangeTest, LoctextThatFailsLeavesTheFile) {
     outcome = Slope({"loctext", File("nowhere/texts.xml")});
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_TRUE(Holds(outcome.err, "slope: Could not write to file:Cannot write "));
+}
+
+/// The rows of a schema, without their numbers.
+std::vector<std::string> RowsOf(std::string const& file) {
+    std::vector<std::string> rows;
+    std::string const text = ReadFile(file);
+    for (std::size_t at = text.find("  <Entry "); at != text.npos; at = text.find("  <Entry ", at + 1))
+        rows.push_back(text.substr(at, text.find('\n', at) - at));
+    return rows;
+}
+std::string CellOf(std::string const& row, std::string const& column) {
+    std::size_t const at = row.find(" " + column + "=\"");
+    if (at == row.npos) return "(none)";
+    std::size_t const begin = at + column.size() + 3;
+    return row.substr(begin, row.find('"', begin) - begin);
+}
+/// The row of a tag, "" if there is none.
+std::string RowOf(std::vector<std::string> const& rows, std::string const& tag) {
+    for (std::string const& row : rows)
+        if (CellOf(row, "NTag") == tag) return row;
+    return "";
+}
+
+TEST_F(ExchangeTest, SchemaDescribesWhatIsDeclared) {
+    std::string const file = File("schema.xml");
+    Outcome const outcome = Slope({"schema", file});
+    EXPECT_EQ(outcome.exitStatus, 0) << outcome.err;
+    EXPECT_EQ(outcome.out, "The schema is in " + file + "\n");
+    std::vector<std::string> const rows = RowsOf(file);
+    ASSERT_FALSE(rows.empty());
+    EXPECT_EQ(CellOf(rows[0], "ZOName"), "HZNData");
+    std::string const cohesion = RowOf(rows, "Materials.[].Cohesion");
+    EXPECT_EQ(CellOf(cohesion, "DataType"), "double");
+    EXPECT_EQ(CellOf(cohesion, "PersistBehaviour"), "Always");
+    EXPECT_EQ(CellOf(cohesion, "Label"), "&amp;Cohesion");
+    EXPECT_EQ(CellOf(cohesion, "Physics"), "stress,slope");
+    EXPECT_EQ(CellOf(RowOf(rows, "Regions.[].Area"), "PersistBehaviour"), "No");
+    EXPECT_EQ(CellOf(RowOf(rows, "Project.UpdateCalculatedValues"), "Label"), "Update");
+}
+
+TEST_F(ExchangeTest, SchemaOfTheViewHasWhatPeopleSee) {
+    std::string const file = File("schema.xml");
+    EXPECT_EQ(Slope({"schema", file, "--view"}).exitStatus, 0);
+    std::vector<std::string> const rows = RowsOf(file);
+    std::vector<std::string> branches;
+    for (std::string const& row : rows)
+        if (std::string const tag = CellOf(row, "NTag");
+            tag.find('.') == tag.npos && CellOf(row, "AbbrevValue") == "(none)")
+            branches.push_back(tag); // and no word of an enumeration
+    // As the table puts them: water stands below the project.
+    EXPECT_EQ(branches, (std::vector<std::string>{"Project", "Water", "Materials", "Regions", "Lines", "Points",
+                                                  "SlipCircles", "Analyses", "Aquifer"}));
+    EXPECT_EQ(CellOf(RowOf(rows, "Regions.[].Area"), "Label"), "Area");
+}
+
+TEST_F(ExchangeTest, SchemaThatCanNotBeWrittenFails) {
+    for (std::vector<std::string> command : {std::vector<std::string>{"schema"}, {"xsd"}}) {
+        command.push_back(File("nowhere/schema.xml"));
+        Outcome const outcome = Slope(command);
+        EXPECT_EQ(outcome.exitStatus, 1);
+        EXPECT_TRUE(Holds(outcome.err, "slope: Cannot write " + File("nowhere/schema.xml")));
+    }
+}
+
+TEST_F(ExchangeTest, ViewOfASchemaHasNoWord) {
+    EXPECT_EQ(Slope({"schema", File("schema.xml"), "--view", "data"}).exitStatus, 2);
+    EXPECT_EQ(Slope({"xsd", File("schema.xml"), "--view"}).exitStatus, 2);
+    EXPECT_FALSE(std::filesystem::exists(File("schema.xml")));
+}
+
+/// Files that another program checks by the application's XML Schema.
+class XsdTest : public example::FileTest {
+protected:
+    XsdTest() {
+        Outcome const outcome = Slope({"xsd", schema});
+        EXPECT_EQ(outcome.exitStatus, 0) << outcome.err;
+        EXPECT_EQ(outcome.out, "The XML Schema is in " + schema + "\n");
+    }
+
+    Outcome Check() const { return example::Run("xmllint", {"--noout", "--nonet", "--schema", schema, file}); }
+
+    std::string schema = File("slope.xsd");
+};
+
+TEST_F(XsdTest, AllPublishedProblemsAreValid) {
+    for (std::string const problem : {"AT1", "AT2", "AT3", "FK1", "FK3", "GL1"}) {
+        Import(problem);
+        EXPECT_EQ(Check().exitStatus, 0) << problem << Check().err;
+    }
+}
+
+TEST_F(XsdTest, ACopiedTextIsValid) {
+    Import("AT2");
+    std::string const text = Slope({"copy", file, "Regions[1]", "Regions[2]"}).out;
+    WriteFile(file, text);
+    EXPECT_EQ(Check().exitStatus, 0) << Check().err;
+}
+
+TEST_F(XsdTest, WhatIsWrongWithAFileIsFound) {
+    for (auto const& [from, to] :
+         {std::pair{"<Cohesion>9.8</Cohesion>", "<Cohesion>lots</Cohesion>"},
+          std::pair{"<Cohesion>9.8</Cohesion>", "<Crystal>9.8</Crystal>"},
+          std::pair{"<Units>Metric</Units>", "<Units>Cubits</Units>"}, std::pair{"X=\"48\"", "Z=\"48\""},
+          std::pair{"<Materials Len=\"3\">", "<Materials Len=\"-3\">"}}) {
+        Import("AT2");
+        Replace(file, from, to);
+        EXPECT_EQ(Check().exitStatus, 3) << to; // not valid
+    }
 }
 
 } // namespace

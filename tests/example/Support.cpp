@@ -36,12 +36,13 @@ void Replace(std::string const& path, std::string const& from, std::string const
     WriteFile(path, text.replace(place, from.size(), to));
 }
 
-Outcome Slope(std::vector<std::string> const& words) {
+Outcome Run(std::string const& program, std::vector<std::string> const& words, std::string const& input) {
     std::string pattern = testing::TempDir() + "slope-run-XXXXXX";
     if (!mkdtemp(pattern.data())) return {};
-    std::string const outPath = pattern + "/out", errPath = pattern + "/err";
+    std::string const outPath = pattern + "/out", errPath = pattern + "/err", inPath = pattern + "/in";
+    WriteFile(inPath, input);
 
-    std::vector<std::string> all{SLOPE_EXECUTABLE};
+    std::vector<std::string> all{program};
     all.insert(all.end(), words.begin(), words.end());
     std::vector<char*> arguments;
     for (std::string& word : all) arguments.push_back(word.data());
@@ -49,10 +50,11 @@ Outcome Slope(std::vector<std::string> const& words) {
 
     Outcome outcome;
     if (pid_t const child = fork(); child == 0) {
+        int const in = open(inPath.c_str(), O_RDONLY);
         int const out = open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         int const err = open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        if (dup2(out, STDOUT_FILENO) < 0 || dup2(err, STDERR_FILENO) < 0) _exit(126);
-        execv(arguments[0], arguments.data());
+        if (dup2(in, STDIN_FILENO) < 0 || dup2(out, STDOUT_FILENO) < 0 || dup2(err, STDERR_FILENO) < 0) _exit(126);
+        execvp(arguments[0], arguments.data());
         _exit(127);
     } else if (child > 0) {
         int status = 0;
@@ -62,6 +64,10 @@ Outcome Slope(std::vector<std::string> const& words) {
     }
     std::filesystem::remove_all(pattern);
     return outcome;
+}
+
+Outcome Slope(std::vector<std::string> const& words, std::string const& input) {
+    return Run(SLOPE_EXECUTABLE, words, input);
 }
 
 FolderTest::FolderTest() : folder(testing::TempDir() + "slope-test-XXXXXX") {

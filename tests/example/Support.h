@@ -26,8 +26,10 @@ struct Outcome {
     std::string err;
 };
 
+/// Runs a program, looked for as a shell does, with `input` on its standard input.
+Outcome Run(std::string const& program, std::vector<std::string> const& words, std::string const& input = {});
 /// Runs the application's program with its own command line.
-Outcome Slope(std::vector<std::string> const& words);
+Outcome Slope(std::vector<std::string> const& words, std::string const& input = {});
 
 /// A test with a folder that is gone afterwards.
 class FolderTest : public testing::Test {
