@@ -60,6 +60,26 @@ void Document(Element& declaration, std::wstring const& text) {
     if (!text.empty()) declaration.Add(L"xs:annotation").Add(L"xs:documentation").text = text;
 }
 
+/// The tags that several children of one entry have. Only rows that reach into each other by odd tag paths can.
+class SharedTags {
+public:
+    explicit SharedTags(ZOPersistEntry const& entry) {
+        std::unordered_map<std::wstring_view, ZOPersistEntry const*> seen;
+        for (ZOPersistEntry const& child : entry.children) {
+            auto const [at, isNew] = seen.emplace(child.persist.Tag, &child);
+            if (!isNew) first.emplace(at->first, at->second);
+        }
+    }
+
+    bool IsEmpty() const { return first.empty(); }
+    bool Has(ZOPersistEntry const& child) const { return first.contains(child.persist.Tag); }
+    /// Whether it is the first child with its tag, which is one of these.
+    bool IsFirst(ZOPersistEntry const& child) const { return first.at(child.persist.Tag) == &child; }
+
+private:
+    std::unordered_map<std::wstring_view, ZOPersistEntry const*> first;
+};
+
 class XsdBuilder {
 public:
     Element Build() {
@@ -102,9 +122,17 @@ private:
     }
 
     void FillStructure_(Element& type, ZOPersistEntry const& entry, std::wstring const& path) {
-        Element& sequence = type.Add(L"xs:sequence");
-        for (ZOPersistEntry const& child : entry.children)
-            if (IsDeclarable(child.persist.Tag)) AddElement_(sequence, child, path);
+        SharedTags const shared(entry);
+        // A name may stand in a sequence once only, and its elements have one type.
+        Element& group = type.Add(shared.IsEmpty() ? L"xs:sequence" : L"xs:choice");
+        if (!shared.IsEmpty()) group.With(L"minOccurs", L"0").With(L"maxOccurs", L"unbounded");
+        for (ZOPersistEntry const& child : entry.children) {
+            if (!IsDeclarable(child.persist.Tag)) continue;
+            if (!shared.Has(child))
+                AddElement_(group, child, path);
+            else if (shared.IsFirst(child))
+                group.Add(L"xs:element").With(L"name", child.persist.Tag).With(L"type", L"xs:anyType");
+        }
     }
 
     void FillArray_(Element& type, ZOPersistEntry const& entry, std::wstring const& path) {
@@ -115,11 +143,14 @@ private:
     }
 
     void FillRecord_(Element& type, ZOPersistEntry const& entry) {
+        SharedTags const shared(entry);
         for (ZOPersistEntry const& child : entry.children) {
             // Structures have no text, so they are no attributes either.
             if (!child.getter || child.traits.AsStructure() || !IsDeclarable(child.persist.Tag)) continue;
+            if (shared.Has(child) && !shared.IsFirst(child)) continue;
             Element& attribute = type.Add(L"xs:attribute");
-            attribute.With(L"name", child.persist.Tag).With(L"type", TextOf_(child));
+            attribute.With(L"name", child.persist.Tag);
+            attribute.With(L"type", shared.Has(child) ? L"xs:string" : TextOf_(child));
             Document(attribute, Documentation(child));
         }
     }

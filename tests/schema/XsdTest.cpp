@@ -3,7 +3,6 @@
 #include "Common/extinfo/ExtendedInfo.h"
 #include "Common/present/UnitsProvider.h"
 #include "Common/redirect/ZOAlias.h"
-#include "Common/xml/Ordering.h"
 #include "tests/fixtures/ViewModel.h"
 #include "tests/kit/Site.h"
 #include "tests/schema/Files.h"
