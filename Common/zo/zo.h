@@ -4,6 +4,8 @@
 // `<kit/kit.h>`.
 #pragma once
 
+#include "Common/clip/Clipboard.h"
+#include "Common/clip/ZOClipImportTransaction.h"
 #include "Common/extinfo/Explain.h"
 #include "Common/extinfo/ExtendedInfo.h"
 #include "Common/extinfo/LocText.h"

@@ -622,6 +622,7 @@ TEST(NamesTest, DocumentsInFilesAndInMemoryAreThere) {
 using Kind = hzn::units::Kind::Type;
 using Query = int;
 using UnitSet = math::UnitSet;
+namespace clip = zo::clip;
 namespace view = zo::view;
 
 static_assert(zo::style::header == 0 && zo::style::table == 1 && zo::style::text == 2);
@@ -717,6 +718,27 @@ TEST(NamesTest, ViewsAreThere) {
     EXPECT_TRUE((Has<std::vector<view::ZONameParts>(Pairs const&, Query)>(&view::FindAllMatching)));
     EXPECT_TRUE((Has<std::vector<zo::NameParts>(H const&, Pairs const&)>(&zo::GetModifierViewTraversalName)));
     EXPECT_TRUE((Has<wstring(string const&, Query, H const&)>(&zo::FullTagFromView)));
+}
+
+TEST(NamesTest, TheClipboardIsThere) {
+    using Contents = clip::ClipboardContents;
+    using FileVersion = hzn::version::NumberKind<0>;
+    using Texts = std::vector<wstring>;
+    using Reasons = std::vector<status>*;
+    using Transaction = htl::handle<zo::ZOTransaction>;
+    EXPECT_TRUE((Has<status(Contents&, std::vector<H>, FileVersion const&, string const&)>(&clip::Serialize)));
+    EXPECT_TRUE((Has<bool(GID const&, Contents&, FileVersion const&)>(&clip::Contains)));
+    EXPECT_TRUE(
+        (Has<status(GID const&, Contents&, FileVersion const&, Texts&, string const&, Reasons)>(&clip::Deserialize)));
+    EXPECT_TRUE((Has<status(GID const&, GGID const&, GGID const&, Contents&, FileVersion const&, Texts&, string const&,
+                            Reasons)>(&clip::Deserialize)));
+    EXPECT_TRUE(Has<Transaction()>(&clip::MakeClipImportTransaction));
+    EXPECT_TRUE((
+        Has<status(Transaction const&, wstring const&, FileVersion const&, Reasons)>(&clip::DeserializeToTransaction)));
+    EXPECT_TRUE((Has<status(GID const&, GGID const&, GGID const&, Transaction const&, Texts&, string const&, Reasons)>(
+        &clip::DeserializeFromTransaction)));
+    static_assert(std::is_base_of_v<zo::ZOTransaction, clip::impl::ZOTransactionLockable>);
+    static_assert(std::is_base_of_v<clip::impl::ZOTransactionLockable, clip::ZOClipImportTransaction>);
 }
 
 } // namespace
