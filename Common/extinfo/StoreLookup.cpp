@@ -418,7 +418,7 @@ ExtendedInfoStore::Place ExtendedInfoStore::FindExact_(std::wstring_view tag, st
 // Searches for a row and those behind it, which are usually asked about next. Each would wait for memory several times;
 // together they wait at the same time.
 void ExtendedInfoStore::FindExactFrom_(ZORegistryImpl const& tables, std::size_t row) {
-    constexpr std::size_t most = 16;
+    constexpr std::size_t most = 48;
     std::size_t const end = std::min(row + most, searches.size());
     std::size_t const slots = tagSlots.size() - 1;
     std::uint64_t hashes[most];
@@ -428,7 +428,8 @@ void ExtendedInfoStore::FindExactFrom_(ZORegistryImpl const& tables, std::size_t
         __builtin_prefetch(text.data());
         __builtin_prefetch(text.data() + text.size());
     };
-    for (std::size_t id = row; id < end; ++id) fetch(tables.tagNames[id]);
+    if (row == 0 || searches[row - 1].exact == unknown)
+        for (std::size_t id = row; id < end; ++id) fetch(tables.tagNames[id]);
     for (std::size_t id = row; id < end; ++id) {
         hashes[id - row] = HashOf_(tables.tagNames[id]);
         __builtin_prefetch(&tagSlots[hashes[id - row] >> 32 & slots]);
@@ -439,6 +440,7 @@ void ExtendedInfoStore::FindExactFrom_(ZORegistryImpl const& tables, std::size_t
     }
     for (Place const guess : std::span(guesses, end - row))
         if (guess != none) fetch(entries[guess].Tag);
+    for (std::size_t id = end; id < std::min(end + most, searches.size()); ++id) fetch(tables.tagNames[id]);
     for (std::size_t id = row; id < end; ++id) searches[id].exact = FindExact_(tables.tagNames[id], hashes[id - row]);
 }
 
