@@ -34,6 +34,8 @@
 #include "Common/registry/ZORegistry.h"
 #include "Common/registry/ZOSet.h"
 #include "Common/registry/ZOTransaction.h"
+#include "Common/schema/Schema.h"
+#include "Common/schema/Xsd.h"
 #include "Common/view/View.h"
 #include "Common/xml/Ordering.h"
 #include "Common/xml/PersistEntry.h"
