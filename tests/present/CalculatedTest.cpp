@@ -126,7 +126,10 @@ void Declare(zo::kit::Kit& kit, Model& model) {
         .Field<&Curve::name>("Name", L"Name")
         .Field<&Curve::param>("Param", L"Param")
         .Array<&Curve::points>("Points", L"Points[Point]");
-    kit.Record<Stage>("Stage").Field<&Stage::name>("Name", L"Name").Array<&Stage::curves>("Curves", L"Curves[Curve]");
+    kit.Record<Stage>("Stage")
+        .Field<&Stage::name>("Name", L"Name")
+        .Array<&Stage::curves>("Curves", L"Curves[Curve]")
+        .Alias("Site", L"Site", L"@Parent@Parent@Parent"); // around it
     kit.Record<Site>("Site")
         .Field<&Site::param>("Param", L"Param")
         .Field<&Site::number>("Number", L"Number")
@@ -380,8 +383,15 @@ TEST_F(ParameterTest, IsKnownByItsName) {
     EXPECT_EQ(LookupParam(Find("Site.Stages"), "Governs"), DataParamType::None);
 }
 
-TEST_F(ParameterTest, OfAnAliasIsThatOfItsSource) {
+TEST_F(ParameterTest, MayBeAnAliasOfTheField) {
     EXPECT_EQ(LookupParam(Find("Site.Stages[0].Name"), "Other"), DataParamType::Cohesion);
+}
+
+TEST_F(ParameterTest, OfAnAliasIsLookedForWhereTheAliasStands) {
+    H const alias = Find("Site.Stages[0].Site");
+    ASSERT_EQ(zo::GetSource(alias)->Name(), "Site");
+    EXPECT_EQ(LookupParam(alias, "Param"), DataParamType::Modulus);
+    EXPECT_EQ(LookupParam(zo::GetSource(alias), "Param"), DataParamType::None);
 }
 
 TEST_F(ParameterTest, IsReadFromAnyFieldThatHoldsANumber) {
