@@ -25,7 +25,8 @@ struct ClipboardContents {
 /// Replaces `contents` by a document of `nodes` and everything that they link to, over any number of links.
 ///
 /// Whole records are written: one that a node lies in counts with all of its fields. `path` names one more node that is
-/// always included; a name without a node adds nothing. Nodes that don't persist, and empty handles, are passed over.
+/// always included; a name without a node adds nothing. Nodes that don't persist, aliases among them, and empty handles
+/// are passed over.
 /// An array with a copied record keeps its length in the document, and the other records are empty elements there.
 /// Failure: those of `zo::xml::StringWrite`, among them that nothing is to be written; the document is then empty.
 /// Cost: in proportion to what is written and to the length of the arrays that it lies in.

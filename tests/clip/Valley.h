@@ -56,6 +56,7 @@ struct Profile {
     std::wstring name;
     int material = 0; // at the surface
     std::vector<Well> wells{};
+    GGID seen{}; // a record of any group; not declared, for those who need it
 
     bool operator==(Profile const&) const = default;
 };
