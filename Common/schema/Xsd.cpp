@@ -41,13 +41,19 @@ std::wstring LabelOf(std::size_t regID) {
     return label;
 }
 
+/// What the elements of an array are registered as; null for an alias, and where nobody registered it.
+ZOPersistEntry const* ElementOf(ZOPersistEntry const& array) {
+    auto const found = std::find_if(array.children.begin(), array.children.end(),
+                                    [](ZOPersistEntry const& child) { return child.name == "[]"; });
+    return found == array.children.end() ? nullptr : &*found;
+}
+
 /// What people read of an entry: "Cohesion (Stress, kPa)".
 std::wstring Documentation(ZOPersistEntry const& entry) {
     std::wstring text = LabelOf(entry.node->RegID());
     // What a list holds is measured by its elements.
-    bool const isList = entry.isArray && !entry.children.empty();
-    hzn::units::Kind::Type const kind =
-        Units(isList ? entry.children.front().node->RegID() : entry.node->RegID(), nullptr);
+    ZOPersistEntry const* const element = entry.isArray ? ElementOf(entry) : nullptr;
+    hzn::units::Kind::Type const kind = Units((element ? *element : entry).node->RegID(), nullptr);
     std::wstring units = hzn::units::KindName(kind);
     if (kind == hzn::units::Kind::None || units.empty()) return text;
     // A document has the units that values are stored in, whatever people see.
@@ -59,6 +65,9 @@ std::wstring Documentation(ZOPersistEntry const& entry) {
 void Document(Element& declaration, std::wstring const& text) {
     if (!text.empty()) declaration.Add(L"xs:annotation").Add(L"xs:documentation").text = text;
 }
+
+/// Validators take time by the cube of a sequence of elements that may all be absent: a second for some 1,000.
+constexpr std::size_t longestSequence = 500;
 
 /// The tags that several children of one entry have. Only rows that reach into each other by odd tag paths can.
 class SharedTags {
@@ -121,11 +130,15 @@ private:
             FillStructure_(type, entry, path);
     }
 
+    Element& AddGroup_(Element& type, std::size_t children, bool hasSharedTags) {
+        // A name may stand in a sequence once only, and its elements have one type.
+        if (hasSharedTags) return type.Add(L"xs:choice").With(L"minOccurs", L"0").With(L"maxOccurs", L"unbounded");
+        return type.Add(children > longestSequence ? L"xs:all" : L"xs:sequence");
+    }
+
     void FillStructure_(Element& type, ZOPersistEntry const& entry, std::wstring const& path) {
         SharedTags const shared(entry);
-        // A name may stand in a sequence once only, and its elements have one type.
-        Element& group = type.Add(shared.IsEmpty() ? L"xs:sequence" : L"xs:choice");
-        if (!shared.IsEmpty()) group.With(L"minOccurs", L"0").With(L"maxOccurs", L"unbounded");
+        Element& group = AddGroup_(type, entry.children.size(), !shared.IsEmpty());
         for (ZOPersistEntry const& child : entry.children) {
             if (!IsDeclarable(child.persist.Tag)) continue;
             if (!shared.Has(child))
@@ -171,7 +184,7 @@ private:
         MetaDataTraits const traits = redirects ? entry.node->GetDataTraits() : entry.traits;
         meta::MetaTraitsArray const* const array = traits.AsArray();
         if (!array) return values.Single(traits);
-        if (!entry.children.empty()) return values.List(entry.children.front().traits);
+        if (ZOPersistEntry const* const element = ElementOf(entry)) return values.List(element->traits);
         return values.List(array->elementTraits ? array->elementTraits() : MetaDataTraits());
     }
 

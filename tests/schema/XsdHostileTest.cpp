@@ -133,6 +133,21 @@ TEST_F(XsdRowsTest, DeepNestingIsValid) {
     EXPECT_TRUE(IsRefused(With(document, "<Last>1</Last>", "<Last>x</Last>"), schema));
 }
 
+TEST_F(XsdRowsTest, VeryManyChildrenMayStandInAnyOrder) {
+    std::vector<double> values(501, 1);
+    for (int i = 0; i < 501; ++i) {
+        std::string const name = "Level" + std::to_string(1000 + i);
+        rows.Number(name, str::as_wstring(name), values[std::size_t(i)]);
+    }
+    rows.Finish();
+    std::string const schema = lint::Schema();
+    std::string const first = "<HZNData Version=\"1.00\"><Level1002>1</Level1002>";
+    EXPECT_TRUE(IsValid(lint::Document(), schema));
+    EXPECT_TRUE(IsValid(first + "<Level1000>1</Level1000></HZNData>", schema));
+    EXPECT_TRUE(IsRefused(first + "<Level1002>1</Level1002></HZNData>", schema));
+    EXPECT_TRUE(IsRefused(first + "<Level1501>1</Level1501></HZNData>", schema));
+}
+
 // ---- Forms
 
 TEST_F(XsdRowsTest, ValuesInArraysMayBeEmpty) {
