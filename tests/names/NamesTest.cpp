@@ -741,4 +741,11 @@ TEST(NamesTest, TheClipboardIsThere) {
     static_assert(std::is_base_of_v<clip::impl::ZOTransactionLockable, clip::ZOClipImportTransaction>);
 }
 
+TEST(NamesTest, SchemasAreThere) {
+    EXPECT_TRUE((Has<status(wstring const&)>(&zo::schema::Save)));
+    EXPECT_TRUE((Has<status(size_t, wstring const&)>(&zo::schema::Save)));
+    EXPECT_TRUE((Has<status(wstring const&)>(&zo::schema::SaveXsd)));
+    EXPECT_TRUE((Has<status(string&)>(&zo::schema::XsdText)));
+}
+
 } // namespace
