@@ -14,8 +14,6 @@
 #include "examples/slope/Text.h"
 #include "examples/slope/Tree.h"
 
-#include "Common/schema/Schema.h"
-#include "Common/schema/Xsd.h"
 #include "support/locale.h"
 
 #include <array>

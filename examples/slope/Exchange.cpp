@@ -3,8 +3,6 @@
 #include "examples/slope/Modules.h"
 #include "examples/slope/Text.h"
 
-#include "Common/clip/Clipboard.h"
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
