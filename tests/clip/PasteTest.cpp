@@ -3,6 +3,9 @@
 
 #include "Common/clip/ZOClipImportTransaction.h"
 
+#include <array>
+#include <map>
+
 namespace valley {
 namespace {
 
@@ -398,6 +401,74 @@ TEST_F(FailureTest, AnAliasThatHoldsAnElementIsNoHindrance) {
     Paste(materialGroup, Copy({"Materials[2]"}));
     EXPECT_EQ(project->materials.size(), 4u);
     EXPECT_EQ(TextOf("Cover.Name"), L"Fill");
+}
+
+TEST_F(FailureTest, AnObjectThatMayNotHaveANameOfItsOwnIsNotPasted) {
+    struct Pile {
+        int id = 0;
+        std::wstring name;
+        double length = 0; // m
+    };
+    static std::vector<Pile> piles;
+    piles = {{1, L"P1", 9}, {2, L"P2", 8}};
+    htl::status const refusal = htl::status::FromText(L"The names of piles have no brackets.");
+    ASSERT_TRUE(zo::kit::Register({[&refusal](zo::kit::Kit& kit) {
+                    kit.Record<Pile>("Pile")
+                        .Field<&Pile::id>("ID", L"ID")
+                        .Field<&Pile::name>("Name", L"Name",
+                                            {.valid =
+                                                 [refusal](std::wstring const& name, zo::IZO const*) {
+                                                     return name.find(L'(') == name.npos ? htl::status() : refusal;
+                                                 }})
+                        .Field<&Pile::length>("Length", L"Length");
+                    kit.Branch<std::vector<Pile>>("Piles", L"Piles[Pile]", [] { return &piles; }, {.recordGroup = 41});
+                }}).IsClean());
+    auto const contents = Copy({"Piles"});
+    piles = {{1, L"P1", 7}};
+    EXPECT_TRUE(FailsAs(PasteAll(41, contents), refusal));
+    ASSERT_EQ(piles.size(), 2u);
+    EXPECT_EQ(piles[0].length, 7) << "it is not replaced by the one of its name";
+    EXPECT_EQ(piles[1].name, L"P2");
+    EXPECT_EQ(piles[1].id, 2);
+    EXPECT_EQ(names, Names());
+}
+
+TEST_F(FailureTest, ObjectsOfAContainerOfFixedLengthAreNotPasted) {
+    struct Corner {
+        int id = 0;
+        std::wstring name;
+    };
+    static std::array<Corner, 2> corners;
+    corners = {Corner{1, L"A"}, Corner{2, L"B"}};
+    ASSERT_TRUE(zo::kit::Register({[](zo::kit::Kit& kit) {
+                    kit.Record<Corner>("Corner").Field<&Corner::id>("ID", L"ID").Field<&Corner::name>("Name", L"Name");
+                    kit.Branch<std::array<Corner, 2>>("Corners", L"Corners[Corner]", [] { return &corners; },
+                                                      {.recordGroup = 42});
+                }}).IsClean());
+    auto const contents = Copy({"Corners"});
+    std::wstring const saved = Save();
+    EXPECT_TRUE(FailsAs(PasteAll(42, contents), zo::ZOError::not_supported("")));
+    EXPECT_EQ(reasons.size(), 2u);
+    EXPECT_EQ(Save(), saved);
+}
+
+TEST_F(FailureTest, ObjectsOfAContainerThatSortsThemFindTheirPlaces) {
+    struct Works {
+        std::map<int, std::wstring> stages;
+    };
+    static Works works;
+    auto& stages = works.stages;
+    stages = {{1, L"Dig"}, {2, L"Fill"}};
+    ASSERT_TRUE(zo::kit::Register({[](zo::kit::Kit& kit) {
+                    kit.Record<Works>("Works").Map<&Works::stages>(
+                        "Stages", L"Stages[Stage]", {.keyTag = L"ID", .valueTag = L"Name", .recordGroup = 43});
+                    kit.Branch<Works>("Works", L"Works", [] { return &works; });
+                }}).IsClean());
+    auto const contents = Copy({"Works.Stages"});
+    stages = {{1, L"Survey"}};
+    Paste(43, contents);
+    std::map<int, std::wstring> const expected{{1, L"Survey"}, {2, L"Dig"}, {3, L"Fill"}};
+    EXPECT_EQ(stages, expected);
 }
 
 TEST_F(FailureTest, PasteWithoutAListOfReasons) {
