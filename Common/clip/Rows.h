@@ -5,6 +5,8 @@
 #include "Common/registry/Find.h"
 #include "Common/registry/RegistryImpl.h"
 
+#include "support/gid.h"
+
 #include <cstddef>
 #include <typeinfo>
 
