@@ -7,6 +7,7 @@
 #include "Common/schema/Schema.h"
 #include "Common/schema/XmlZOSchemaWriter.h"
 #include "tests/fixtures/ViewModel.h"
+#include "tests/kit/Site.h"
 #include "tests/registry/Rows.h"
 #include "tests/schema/Files.h"
 
@@ -396,6 +397,36 @@ TEST_F(SchemaTest, SavingLeavesTheValueBehindAnAliasAsItIs) {
     EXPECT_EQ(Column(Flat(), L"ZOName"),
               (Texts{L"HZNData", L"Lining", L"Lining.Clay", L"Lining.Sheet", L"Cover", L"Cover.Clay", L"Cover.Sheet"}));
     EXPECT_EQ(lining, Lining::Clay);
+}
+
+class Rig {
+public:
+    site::Method Method() const { return method; }
+    void SetMethod(site::Method wanted) {
+        method = wanted;
+        ++timesSet;
+    }
+
+    int timesSet = 0;
+
+private:
+    site::Method method = site::Method::Auger;
+};
+
+class RigSchemaTest : public site::KitTest {};
+
+TEST_F(RigSchemaTest, SavingCallsNoSetterOfTheApplication) {
+    Rig rig;
+    Register({[&rig](zo::kit::Kit& kit) {
+        kit.Enum<site::Method>(site::methods);
+        kit.Record<Rig>("Rig").Property<&Rig::Method, &Rig::SetMethod>("Method", L"Method",
+                                                                       {.dflt = site::Method::Rotary});
+        kit.Branch<Rig>("Rig", L"Rig", [&rig] { return &rig; });
+    }});
+    EXPECT_EQ(Column(Flat(), L"ZOName"),
+              (Texts{L"HZNData", L"Rig", L"Rig.Method", L"Rig.Method.Percussion", L"Rig.Method.Auger"}));
+    EXPECT_EQ(rig.timesSet, 0);
+    EXPECT_EQ(rig.Method(), site::Method::Auger);
 }
 
 class EmbankmentSchemaTest : public embankment::EmbankmentTest {};
