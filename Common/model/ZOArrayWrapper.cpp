@@ -11,18 +11,6 @@ namespace tables = impl::tables;
 
 namespace {
 
-/// Counts as a view of an element for as long as it lives.
-class ViewGuard {
-public:
-    explicit ViewGuard(ZOMemMgr& manager) : manager(manager) { manager.AddWrapper(); }
-    ViewGuard(ViewGuard const&) = delete;
-    ViewGuard& operator=(ViewGuard const&) = delete;
-    ~ViewGuard() { manager.RemoveWrapper(); }
-
-private:
-    ZOMemMgr& manager;
-};
-
 std::size_t LengthOf(meta::MetaTraitsArray const* record, void const* memory) {
     return record && record->length ? record->length(memory) : 0;
 }
@@ -149,7 +137,7 @@ htl::status ZOArrayWrapper::Resize(std::size_t const& wanted) {
 
     std::size_t const row = tables::ElementTemplate(RegID());
     if (row == npos || wanted < length || !record->elementAt) return {};
-    ViewGuard const guard(*childManager);
+    impl::ViewGuard const guard(*childManager);
     meta::Resetter const resetter(tables::DataTraits(row));
     for (std::size_t i = length; i < wanted; ++i) resetter.Apply(record->elementAt(Memory(), i));
     return {};
@@ -159,7 +147,7 @@ H ZOArrayWrapper::GetSubZO(std::size_t const& index) {
     meta::MetaTraitsArray const* const record = Record_();
     if (prototype || !record || !record->elementAt || index >= Length()) return {};
     IZOWrapper* const element = ElementPrototype_();
-    ViewGuard const guard(*childManager);
+    impl::ViewGuard const guard(*childManager);
     void* const place = record->elementAt(Memory(), index);
     return place && element ? H(element->RemapClone(place, childManager)) : H();
 }

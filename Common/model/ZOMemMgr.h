@@ -46,6 +46,22 @@ private:
     htl::handle<ZOMemMgr> outer;
 };
 
+namespace impl {
+
+/// Counts as a view for as long as it lives.
+class ViewGuard {
+public:
+    explicit ViewGuard(ZOMemMgr& manager) : manager(manager) { manager.AddWrapper(); }
+    ViewGuard(ViewGuard const&) = delete;
+    ViewGuard& operator=(ViewGuard const&) = delete;
+    ~ViewGuard() { manager.RemoveWrapper(); }
+
+private:
+    ZOMemMgr& manager;
+};
+
+} // namespace impl
+
 class LiveManagers;
 
 /// The manager of every described container. There is one live manager for each memory and descriptor, whichever lookup

@@ -1,5 +1,6 @@
 // From a name to a live node.
 #include "Common/model/ZOArray.h"
+#include "Common/model/ZOWrapper.h"
 #include "Common/registry/Find.h"
 #include "Common/registry/RegistryImpl.h"
 #include "Common/registry/ZORegistry.h"
@@ -92,6 +93,72 @@ H Visible(ZOSetImpl const& impl, std::string_view name) {
     return entry ? H(entry->node) : H();
 }
 
+// A place in client memory on the way to the one that is looked for. A structure or array that is only passed needs no
+// node: where its row and its memory are known, so is the place of its parts.
+class Place {
+public:
+    Place() = default;
+    Place(std::size_t row, IZOWrapper* prototype, void* memory) : row(row), prototype(prototype), memory(memory) {}
+
+    explicit operator bool() const noexcept { return prototype != nullptr; }
+    /// A view of the place. Leaves none behind.
+    H Take() { return H(std::exchange(prototype, nullptr)->RemapClone(memory, manager)); }
+
+    /// Goes on to a member or an element. False, and the place as it was, for what a node has to answer.
+    bool StepInto(ZORegistryImpl const& tables, std::string_view component) {
+        switch (tables.stepRows[row].kind) {
+        case StepRow::Structure: return StepIntoStructure_(tables, component);
+        case StepRow::Array: return StepIntoArray_(tables, component);
+        case StepRow::AskNode: break;
+        }
+        return false;
+    }
+
+private:
+    bool StepIntoStructure_(ZORegistryImpl const& tables, std::string_view component) {
+        // A hint is for one step of a node.
+        if (tables.findHint != IZO::npos) return false;
+        std::size_t const member = tables.ChildByName(row, component);
+        if (member == IZO::npos) return false;
+        StepRow const& step = tables.stepRows[member];
+        if (!step.wrapper) return false;
+        row = member;
+        prototype = step.wrapper;
+        // As numbers: the offset is no pointer, and arithmetic on one would be undefined.
+        memory = reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(memory) + step.offset);
+        return true;
+    }
+    bool StepIntoArray_(ZORegistryImpl const& tables, std::string_view component) {
+        std::size_t index = 0;
+        if (component[0] < '0' || component[0] > '9' || !path::ParseIndex(component, index)) return false;
+        std::size_t const elementRow = tables.ElementTemplate(row);
+        IZOWrapper* const element = elementRow == IZO::npos ? nullptr : tables.stepRows[elementRow].wrapper;
+        auto const& array = static_cast<ZOArrayWrapper const&>(*tables.stepRows[row].node);
+        meta::MetaTraitsArray const* const record = array.AccessTraits().AsArray();
+        if (!element || !record || !record->length || !record->elementAt || index >= record->length(memory))
+            return false;
+        htl::handle<ZOMemMgr> child(array.ChildMemMgr()->RemapClone(memory));
+        child->SetOuter(manager);
+        void* found = nullptr;
+        {
+            // The client's function may look something up, and must not find the array free to be resized.
+            impl::ViewGuard const guard(*child);
+            found = record->elementAt(memory, index);
+        }
+        if (!found) return false;
+        row = elementRow;
+        prototype = element;
+        memory = found;
+        manager = std::move(child);
+        return true;
+    }
+
+    std::size_t row = IZO::npos;
+    IZOWrapper* prototype = nullptr;
+    void* memory = nullptr;
+    htl::handle<ZOMemMgr> manager;
+};
+
 // The child of an unowned node is unowned, too.
 void Disown(IZO& node) {
     ZOSetImpl::LeavePlace(node);
@@ -107,6 +174,7 @@ H ZORegistry::Find(std::string const& name) {
     NameScan scan(name);
 
     H node;
+    Place place; // in place of a node, as long as that goes
     std::size_t const row = tables.TopLevel(scan.Token());
     if (row == IZO::npos) {
         node = Visible(own, scan.Token());
@@ -116,30 +184,50 @@ H ZORegistry::Find(std::string const& name) {
         if (step.wrapper) {
             void* const memory = step.store->GetPtrType();
             if (!memory) return {};
-            node = H(step.wrapper->RemapClone(memory, {}));
+            place = Place(row, step.wrapper, memory);
         } else {
             node = H(step.node);
         }
     }
-    if (!node) return {};
+    if (!node && !place) return {};
 
     SpareEntry canonical(own);
-    if (track) canonical.Extend(*node, scan.Token());
+    auto const extend = [&] {
+        if (!track) return;
+        if (place)
+            path::ExtendCanonical(canonical.Name(), scan.Token());
+        else
+            canonical.Extend(*node, scan.Token());
+    };
+    extend();
     std::string component; // one for all steps: children are asked with a string
     while (!scan.AtEnd()) {
         NameScan::Step const step = scan.Next();
         if (step == NameScan::Malformed) return {};
         if (step == NameScan::Ended) break;
+        if (place) {
+            if (place.StepInto(tables, scan.Token())) {
+                extend();
+                continue;
+            }
+            node = place.Take();
+        }
         // What comes out of an associative array works out its name from the array's.
-        if (node->OwnerID() == IZO::npos && tables.HasRow(node->RegID()) && tables.assocBits[node->RegID()] && track)
-            own.Enter(this, canonical.Name(), node.get(), false, false);
+        bool const isNameless = track && node->OwnerID() == IZO::npos && tables.HasRow(node->RegID());
+        if (isNameless && tables.assocBits[node->RegID()]) own.Enter(this, canonical.Name(), node.get(), false, false);
         component = scan.Token();
         H child = NodeAccess::GetSubZO(*node, component);
+        // What stands for a node beside it, below an element, climbs there from its own place.
+        if (!child && isNameless && tables.aliasBits[node->RegID()] && tables.nodes[node->RegID()] != node) {
+            own.Enter(this, canonical.Name(), node.get(), false, false);
+            child = NodeAccess::GetSubZO(*node, component);
+        }
         if (!child && track) child = Visible(own, scan.Read());
         node = std::move(child);
         if (!node) return {};
-        if (track) canonical.Extend(*node, scan.Token());
+        extend();
     }
+    if (place) node = place.Take();
     if (track && node->OwnerID() == IZO::npos) canonical.EnterHidden(this, node.get());
     return node;
 }

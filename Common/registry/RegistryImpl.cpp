@@ -1,5 +1,6 @@
 #include "Common/registry/RegistryImpl.h"
 
+#include "Common/model/ZOArray.h"
 #include "Common/model/ZOWrapper.h"
 #include "Common/registry/ZORedirect.h"
 #include "Common/registry/ZORegistry.h"
@@ -7,6 +8,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <typeinfo>
 
 namespace zo {
 
@@ -177,7 +179,11 @@ ZORegistryImpl::RegID ZORegistryImpl::AddRow(htl::handle<IODS> const& store, H c
     step.wrapper = wrappers.back();
     step.store = store.get();
     step.node = node.get();
-    step.parent = parentID;
+    if (step.wrapper) step.offset = reinterpret_cast<std::uintptr_t>(step.wrapper->Memory());
+    IZO const& prototype = *node;
+    if (typeid(prototype) == typeid(ZOWrapperStruct)) step.kind = StepRow::Structure;
+    if (typeid(prototype) == typeid(ZOArrayWrapper)) step.kind = StepRow::Array;
+    if (parentHasRow) step.parent = static_cast<StepRow::Row>(parentID);
     std::size_t const kept = std::min(subName.size(), step.start.size());
     std::copy_n(subName.data(), kept, step.start.data());
     step.length = static_cast<std::uint8_t>(kept < subName.size() ? step.start.size() + 1 : kept);
@@ -188,7 +194,8 @@ ZORegistryImpl::RegID ZORegistryImpl::AddRow(htl::handle<IODS> const& store, H c
         AddChild(childrenByName[parentID], subName, id, initializationComplete, lessByBytes);
         if (!isAlias && !subTag.empty())
             AddChild(childrenByTag[parentID], subTag, id, initializationComplete, lessByUnits);
-        if (RegID& element = stepRows[parentID].elementTemplate; subName == "[]" && element == IZO::npos) element = id;
+        StepRow::Row& element = stepRows[parentID].elementTemplate;
+        if (subName == "[]" && element == StepRow::none) element = static_cast<StepRow::Row>(id);
     }
 
     // The lines are part of the failure, not places in this file.

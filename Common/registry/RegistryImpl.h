@@ -109,10 +109,11 @@ struct ZO_API ZORegistryImpl final : ZOSetImpl {
     void Finish();
 
     /// The child "[]" of a row, npos without one.
-    RegID ElementTemplate(RegID id) const noexcept { return stepRows[id].elementTemplate; }
+    RegID ElementTemplate(RegID id) const noexcept { return StepRow::Wide(stepRows[id].elementTemplate); }
     /// The child row of a sub-name, the first of equal ones; npos if absent. Cost: one probe.
     RegID ChildByName(RegID id, std::string_view name) const noexcept {
-        return steps.Find(id, name, [&](RegID row) { return stepRows[row].parent == id && HasSubName(row, name); });
+        return steps.Find(
+            id, name, [&](RegID row) { return StepRow::Wide(stepRows[row].parent) == id && HasSubName(row, name); });
     }
     /// The row of a whole name of one component, npos if absent. Cost: one probe.
     RegID TopLevel(std::string_view component) const noexcept {
@@ -121,7 +122,7 @@ struct ZO_API ZORegistryImpl final : ZOSetImpl {
     bool HasSubName(RegID id, std::string_view name) const noexcept {
         StepRow const& row = stepRows[id];
         if (row.length > row.start.size()) return subNames[id] == name;
-        return row.length == name.size() && std::memcmp(row.start.data(), name.data(), name.size()) == 0;
+        return row.length == name.size() && row.Starts(name);
     }
     RegID ChildByTag(RegID id, std::wstring_view tag) const noexcept;
     RegID RowOfName(std::string_view name) const noexcept;

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace zo {
@@ -23,15 +24,45 @@ class IZOWrapper;
 /// What a step needs of a row. Derived from the columns when the row is added, and fixed from then on, save for the
 /// element template, which comes with a row of its own.
 struct alignas(64) StepRow {
+    /// A row's number where space counts; `none` for npos. Rows don't come near 2^32.
+    using Row = std::uint32_t;
+    static constexpr Row none = 0xFFFFFFFFu;
+    static constexpr std::size_t Wide(Row row) noexcept { return row == none ? IZO::npos : row; }
+
+    /// How a step from here goes on without a node: by the library's own views only, and not by what clients derive.
+    enum Kind : std::uint8_t { AskNode, Structure, Array };
+
     IZOWrapper* wrapper = nullptr;
     IODS* store = nullptr;
     IZO* node = nullptr;
-    std::size_t parent = IZO::npos;
-    std::size_t elementTemplate = IZO::npos;
-    std::array<char, 23> start{}; // the beginning of the sub-name
+    std::uintptr_t offset = 0; // of a wrapper, in the memory that it is a part of
+    Row parent = none;
+    Row elementTemplate = none;
+    std::array<char, 22> start{}; // the beginning of the sub-name
     std::uint8_t length = 0;      // of the sub-name; `start.size() + 1` for one that is longer
+    Kind kind = AskNode;
+
+    /// Whether the beginning is all of `name`, which isn't longer.
+    bool Starts(std::string_view name) const noexcept {
+        auto const word = [](char const* text, auto value) {
+            std::memcpy(&value, text, sizeof value);
+            return value;
+        };
+        char const* const own = start.data();
+        char const* const other = name.data();
+        std::size_t const size = name.size();
+        auto const same = [&](std::size_t at, auto value) { return word(own + at, value) == word(other + at, value); };
+        constexpr std::uint64_t eight = 0;
+        constexpr std::uint32_t four = 0;
+        // Words that overlap, instead of a call for a few characters.
+        if (size >= 8) return same(0, eight) && same(size - 8, eight) && (size <= 16 || same(8, eight));
+        if (size >= 4) return same(0, four) && same(size - 4, four);
+        for (std::size_t i = 0; i < size; ++i)
+            if (own[i] != other[i]) return false;
+        return true;
+    }
 };
-static_assert(sizeof(StepRow) == 64);
+static_assert(sizeof(StepRow) == 64 && std::tuple_size_v<decltype(StepRow::start)> <= 24);
 
 /// Child rows by parent row and sub-name. The parent npos stands for whole names of one component. The first row of
 /// equal sub-names is found.

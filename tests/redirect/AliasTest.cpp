@@ -74,6 +74,7 @@ protected:
         Add(rows, "Materials", new ZOAlias("Soils", npos, nullptr), L"Materials");
         Add(rows, "Untagged", new ZOAlias("Soils[0].Cohesion", npos, nullptr), L"");
         Add(rows, "Soils.[].Strength", new ZOAliasRelative(L"@Parent.Cohesion", npos, nullptr), L"Strength");
+        Add(rows, "Soils.[].Owner", new ZOAliasRelative(L"@Parent", npos, nullptr), L"Owner");
         Add(rows, "Gone", new ZOAlias("Nothing.There", npos, nullptr), L"Gone");
     }};
 };
@@ -372,6 +373,12 @@ TEST_F(AliasTest, ARelativeAliasBelowAStructureBelongsToItsElement) {
     EXPECT_EQ(TextOf(zo::Find("Soils[2].Strength")), L"10.5");
     ASSERT_TRUE(Succeeds(zo::Find("Soils[1].Strength")->Set(4.0)));
     EXPECT_EQ(embankment.model.soils[1].cohesion, 4.0);
+}
+
+TEST_F(AliasTest, ANameLeadsThroughARelativeAliasBelowAnElement) {
+    EXPECT_EQ(TextOf(zo::Find("Soils[2].Owner.Cohesion")), L"10.5");
+    EXPECT_EQ(TextOf(zo::Find("Soils[0].Owner.Owner.Cohesion")), L"25");
+    EXPECT_FALSE(zo::Find("Soils[0].Owner.Nothing"));
 }
 
 TEST_F(AliasTest, ARelativeAliasWithoutANameFindsNothingAboveIt) {
