@@ -101,6 +101,8 @@ public:
     Place(std::size_t row, IZOWrapper* prototype, void* memory) : row(row), prototype(prototype), memory(memory) {}
 
     explicit operator bool() const noexcept { return prototype != nullptr; }
+    /// Whether a step from here may need no node. Any other place is taken at once.
+    bool GoesOn(ZORegistryImpl const& tables) const noexcept { return tables.stepRows[row].kind != StepRow::AskNode; }
     /// A view of the place. Leaves none behind.
     H Take() { return H(std::exchange(prototype, nullptr)->RemapClone(memory, manager)); }
 
@@ -134,16 +136,19 @@ private:
         std::size_t const elementRow = tables.ElementTemplate(row);
         IZOWrapper* const element = elementRow == IZO::npos ? nullptr : tables.stepRows[elementRow].wrapper;
         auto const& array = static_cast<ZOArrayWrapper const&>(*tables.stepRows[row].node);
-        meta::MetaTraitsArray const* const record = array.AccessTraits().AsArray();
-        if (!element || !record || !record->length || !record->elementAt || index >= record->length(memory))
-            return false;
+        // Clients derive managers, too: from here on what this one says of its array counts. It also keeps the arrays
+        // around it from being resized by what the client's functions look up.
         htl::handle<ZOMemMgr> child(array.ChildMemMgr()->RemapClone(memory));
         child->SetOuter(manager);
+        void* const container = child->Memory();
+        meta::MetaTraitsArray const* const record = child->Traits().AsArray();
+        if (!element || !record || !record->length || !record->elementAt || index >= record->length(container))
+            return false;
         void* found = nullptr;
         {
             // The client's function may look something up, and must not find the array free to be resized.
             impl::ViewGuard const guard(*child);
-            found = record->elementAt(memory, index);
+            found = record->elementAt(container, index);
         }
         if (!found) return false;
         row = elementRow;
@@ -185,6 +190,7 @@ H ZORegistry::Find(std::string const& name) {
             void* const memory = step.store->GetPtrType();
             if (!memory) return {};
             place = Place(row, step.wrapper, memory);
+            if (!place.GoesOn(tables)) node = place.Take();
         } else {
             node = H(step.node);
         }
@@ -201,26 +207,33 @@ H ZORegistry::Find(std::string const& name) {
     };
     extend();
     std::string component; // one for all steps: children are asked with a string
-    while (!scan.AtEnd()) {
-        NameScan::Step const step = scan.Next();
-        if (step == NameScan::Malformed) return {};
-        if (step == NameScan::Ended) break;
-        if (place) {
-            if (place.StepInto(tables, scan.Token())) {
-                extend();
-                continue;
-            }
-            node = place.Take();
-        }
+    auto const ask = [&] {
         // What comes out of an associative array works out its name from the array's.
         bool const isNameless = track && node->OwnerID() == IZO::npos && tables.HasRow(node->RegID());
         if (isNameless && tables.assocBits[node->RegID()]) own.Enter(this, canonical.Name(), node.get(), false, false);
-        component = scan.Token();
         H child = NodeAccess::GetSubZO(*node, component);
         // What stands for a node beside it, below an element, climbs there from its own place.
         if (!child && isNameless && tables.aliasBits[node->RegID()] && tables.nodes[node->RegID()] != node) {
             own.Enter(this, canonical.Name(), node.get(), false, false);
             child = NodeAccess::GetSubZO(*node, component);
+        }
+        return child;
+    };
+    while (!scan.AtEnd()) {
+        NameScan::Step const step = scan.Next();
+        if (step == NameScan::Malformed) return {};
+        if (step == NameScan::Ended) break;
+        H child;
+        if (place && place.StepInto(tables, scan.Token())) {
+            if (place.GoesOn(tables)) {
+                extend();
+                continue;
+            }
+            child = place.Take();
+        } else {
+            if (place) node = place.Take();
+            component = scan.Token();
+            child = ask();
         }
         if (!child && track) child = Visible(own, scan.Read());
         node = std::move(child);

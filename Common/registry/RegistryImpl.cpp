@@ -180,9 +180,6 @@ ZORegistryImpl::RegID ZORegistryImpl::AddRow(htl::handle<IODS> const& store, H c
     step.store = store.get();
     step.node = node.get();
     if (step.wrapper) step.offset = reinterpret_cast<std::uintptr_t>(step.wrapper->Memory());
-    IZO const& prototype = *node;
-    if (typeid(prototype) == typeid(ZOWrapperStruct)) step.kind = StepRow::Structure;
-    if (typeid(prototype) == typeid(ZOArrayWrapper)) step.kind = StepRow::Array;
     if (parentHasRow) step.parent = static_cast<StepRow::Row>(parentID);
     std::size_t const kept = std::min(subName.size(), step.start.size());
     std::copy_n(subName.data(), kept, step.start.data());
@@ -204,6 +201,11 @@ ZORegistryImpl::RegID ZORegistryImpl::AddRow(htl::handle<IODS> const& store, H c
         throw htl::status_exception(ZOError::duplicate_name(), "ZOImpl", 1248);
 
     longestTag = std::max(longestTag, tagName.size());
+    // A node answers for one row only, the last one that it was registered in.
+    if (HasRow(node->RegID()) && nodes[node->RegID()] == node) stepRows[node->RegID()].kind = StepRow::AskNode;
+    IZO const& prototype = *node;
+    if (typeid(prototype) == typeid(ZOWrapperStruct)) stepRows[id].kind = StepRow::Structure;
+    if (typeid(prototype) == typeid(ZOArrayWrapper)) stepRows[id].kind = StepRow::Array;
     LeavePlace(*node); // the node forgets it here
     NodeAccess::SetOwner(*node, owner, IZO::npos);
     NodeAccess::OnRegistration(*node, id);
