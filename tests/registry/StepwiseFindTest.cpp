@@ -8,9 +8,11 @@
 #include "support/describe.h"
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <random>
 #include <typeinfo>
+#include <utility>
 
 namespace {
 
@@ -423,6 +425,113 @@ TEST_F(StepwiseFindTest, ANameLeadsWhereItsComponentsLead) { CompareManyNames();
 TEST_F(StepwiseFindTest, ANameLeadsThereWhileNothingIsTracked) {
     zo::TrackingSuspension const suspended(*registry->Impl());
     CompareManyNames();
+}
+
+// ---- What random names don't meet
+
+TEST_F(StepwiseFindTest, ANodeRegisteredAgainAnswersForItsLastRow) {
+    rows::OwnRegistry own;
+    Tank tank{4, {1, 2}};
+    H const shared = StructPrototype(TankTraits());
+    own.Add("Old", shared, L"Old", TankTraits(), &tank);
+    own.Add("Old.Depth", ValuePrototype<double>(Double(), OffsetOf(&Tank::depth)), L"Depth", Double());
+    own.Add("New", shared, L"New", TankTraits(), &tank);
+    own.Add("New.Deep", ValuePrototype<double>(Double(), OffsetOf(&Tank::depth)), L"Deep", Double());
+    own->OnPostRegistration();
+    EXPECT_EQ(TextOf(zo::Find("New.Deep")), L"4");
+    EXPECT_EQ(TextOf(zo::Find(zo::Find("Old"), "Deep")), L"4");
+    EXPECT_EQ(TextOf(zo::Find("Old.Deep")), L"4");
+    EXPECT_FALSE(zo::Find(zo::Find("Old"), "Depth"));
+    EXPECT_FALSE(zo::Find("Old.Depth"));
+}
+
+/// A structure of which there are no views.
+class Sealed : public zo::ZOWrapperStruct {
+public:
+    using ZOWrapperStruct::ZOWrapperStruct;
+    IZO* RemapClone(void*, htl::handle<zo::ZOMemMgr> const&) override { return nullptr; }
+};
+
+TEST_F(StepwiseFindTest, AWrapperThatGivesNoViewIsNotFound) {
+    rows::OwnRegistry own;
+    auto const sealed = [](std::size_t offset) {
+        return H(new Sealed(npos, nullptr, TankTraits(), AsMemory(offset), {}));
+    };
+    auto const depth = [] { return ValuePrototype<double>(Double(), OffsetOf(&Tank::depth)); };
+    own.Add("Yard", StructPrototype(YardTraits()), L"Yard", YardTraits(), &site.yard);
+    own.Add("Yard.Main", sealed(OffsetOf(&Yard::main)), L"Main", TankTraits());
+    own.Add("Yard.Main.Depth", depth(), L"Depth", Double());
+    own.Add("Yard.Tanks", ArrayPrototype(TankQueueTraits(), OffsetOf(&Yard::tanks)), L"Tanks", TankQueueTraits());
+    own.Add("Yard.Tanks.[]", sealed(0), L"", TankTraits());
+    own.Add("Yard.Tanks.[].Depth", depth(), L"Depth", Double());
+    own.Add("Tank", sealed(0), L"Tank", TankTraits(), &site.yard.main);
+    own.Add("Tank.Depth", depth(), L"Depth", Double());
+    own->OnPostRegistration();
+    auto const findsNone = [] {
+        for (char const* const name :
+             {"Yard.Main", "Yard.Main.Depth", "Yard.Tanks[0]", "Yard.Tanks[0].Depth", "Tank", "Tank.Depth"})
+            EXPECT_FALSE(zo::Find(name)) << name;
+        EXPECT_TRUE(zo::Find("Yard.Tanks"));
+    };
+    findsNone();
+    zo::TrackingSuspension const suspended(*own->Impl());
+    findsNone();
+}
+
+TEST_F(StepwiseFindTest, SubNamesOfAllLengthsAreToldApart) {
+    rows::OwnRegistry own;
+    double value = 1;
+    std::string const letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJ";
+    own.Add("Top", StructPrototype(YardTraits()), L"Top", YardTraits(), &value);
+    for (std::size_t length = 1; length <= letters.size(); ++length)
+        own.Add("Top." + letters.substr(0, length), ValuePrototype<double>(Double()), L"", Double());
+    own->OnPostRegistration();
+    for (std::size_t length = 1; length <= letters.size(); ++length) {
+        std::string name = "Top." + letters.substr(0, length);
+        EXPECT_EQ(rows::NameOf(zo::Find(name)), name);
+        for (std::size_t at = 4; at < name.size(); ++at) {
+            std::string other = name;
+            other[at] = '-';
+            EXPECT_FALSE(zo::Find(other)) << other;
+        }
+    }
+    EXPECT_FALSE(zo::Find("Top." + letters + "K"));
+}
+
+/// What the length of the array below does beside counting.
+std::function<void()> whileCounted;
+
+MetaDataTraits CountedTraits() {
+    using Readings = std::vector<double>;
+    static meta::MetaTraitsArray const record = [] {
+        meta::MetaTraitsArray array;
+        array.kind = meta::Kind::Array;
+        array.elementTraits = Double;
+        array.length = [](void const* memory) {
+            if (whileCounted) std::exchange(whileCounted, {})();
+            return memory ? static_cast<Readings const*>(memory)->size() : 0;
+        };
+        array.elementAt = [](void* memory, std::size_t index) -> void* {
+            return &(*static_cast<Readings*>(memory))[index];
+        };
+        return array;
+    }();
+    return MetaDataTraits(record);
+}
+
+TEST_F(StepwiseFindTest, AnArrayIsNotResizedWhileAnInnerOneIsCounted) {
+    rows::OwnRegistry own;
+    own.Add("Tanks", ArrayPrototype(TanksTraits()), L"Tanks", TanksTraits(), &tanks);
+    own.Add("Tanks.[]", StructPrototype(TankTraits()), L"", TankTraits());
+    own.Add("Tanks.[].Readings", ArrayPrototype(CountedTraits(), OffsetOf(&Tank::readings)), L"Readings",
+            CountedTraits());
+    own.Add("Tanks.[].Readings.[]", ValuePrototype<double>(Double()), L"", Double());
+    own->OnPostRegistration();
+    htl::status resized;
+    whileCounted = [&] { resized = zo::Find("Tanks")->SetLength(100); };
+    EXPECT_EQ(TextOf(zo::Find("Tanks[0].Readings[0]")), L"1");
+    EXPECT_TRUE(embankment::FailsAs(resized, zo::ZOError::array_memory_conflict()));
+    EXPECT_EQ(tanks.size(), 2u);
 }
 
 } // namespace
