@@ -1,40 +1,26 @@
 // docs/failures.md lists every failure that has a number, and no other.
+#include "tests/readme/Page.h"
+
 #include "support/messages.h"
 #include "support/text.h"
 
 #include <gtest/gtest.h>
 
 #include <cctype>
-#include <fstream>
 #include <map>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
 
-std::string Page() {
-    std::ifstream file(ZO_FAILURES_PAGE, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
+std::string Page() { return page::Text("failures.md"); }
 
-/// The cells of each line of a table whose first cell is a number.
-std::vector<std::vector<std::string>> Rows(std::string const& page) {
-    std::vector<std::vector<std::string>> rows;
-    std::istringstream lines(page);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.size() < 3 || line[0] != '|' || !std::isdigit(static_cast<unsigned char>(line[2]))) continue;
-        std::vector<std::string> cells;
-        std::istringstream rest(line.substr(1));
-        for (std::string cell; std::getline(rest, cell, '|');) {
-            std::size_t const begin = cell.find_first_not_of(' ');
-            cells.push_back(begin == cell.npos ? "" : cell.substr(begin, cell.find_last_not_of(' ') + 1 - begin));
-        }
-        rows.push_back(cells);
-    }
+/// The lines of its tables whose first cell is a number.
+std::vector<page::Row> Rows(std::string const& text) {
+    std::vector<page::Row> rows;
+    for (page::Row const& row : page::Rows(text))
+        if (!row.empty() && !row[0].empty() && std::isdigit(static_cast<unsigned char>(row[0][0]))) rows.push_back(row);
     return rows;
 }
 
@@ -47,7 +33,7 @@ std::map<std::string, std::string> TableOfMessages() {
 
 TEST(FailuresPageTest, ListsEachMessageOnceWithItsText) {
     std::map<std::string, std::string> texts;
-    for (std::vector<std::string> const& cells : Rows(Page())) {
+    for (page::Row const& cells : Rows(Page())) {
         ASSERT_GE(cells.size(), 2u);
         EXPECT_TRUE(texts.emplace(cells[0], cells[1]).second) << cells[0] << " is listed twice";
     }
@@ -55,7 +41,7 @@ TEST(FailuresPageTest, ListsEachMessageOnceWithItsText) {
 }
 
 TEST(FailuresPageTest, SaysOfEachMessageWhoMakesItWhatItMeansAndWhatToDo) {
-    for (std::vector<std::string> const& cells : Rows(Page())) {
+    for (page::Row const& cells : Rows(Page())) {
         ASSERT_EQ(cells.size(), 5u) << cells[0];
         EXPECT_NE(cells[2], "") << cells[0];
         EXPECT_NE(cells[3], "") << cells[0];
@@ -64,14 +50,14 @@ TEST(FailuresPageTest, SaysOfEachMessageWhoMakesItWhatItMeansAndWhatToDo) {
 }
 
 TEST(FailuresPageTest, MentionsNoNumberThatIsNoMessage) {
-    std::string const page = Page();
+    std::string const text = Page();
     std::set<std::string> known;
-    for (auto const& [number, text] : TableOfMessages()) known.insert(number);
+    for (auto const& row : TableOfMessages()) known.insert(row.first);
     std::set<std::string> mentioned;
-    for (std::size_t i = 0; i < page.size();) {
+    for (std::size_t i = 0; i < text.size();) {
         std::size_t const begin = i;
-        while (i < page.size() && std::isdigit(static_cast<unsigned char>(page[i]))) ++i;
-        if (i - begin == 5) mentioned.insert(page.substr(begin, 5));
+        while (i < text.size() && std::isdigit(static_cast<unsigned char>(text[i]))) ++i;
+        if (i - begin == 5) mentioned.insert(text.substr(begin, 5));
         if (i == begin) ++i;
     }
     EXPECT_EQ(mentioned, known);
