@@ -46,19 +46,25 @@ void ForEachChild(H const& node, Visit const& visit) {
 }
 
 /// Sets the length of the arrays below to 0, as reading a document does: it leaves out arrays without elements.
-void EmptyArrays(H const& object) {
+/// The names of those whose elements are in use, and which keep their length.
+std::vector<std::string> EmptyArrays(H const& object) {
+    std::vector<std::string> inUse;
     std::vector<H> pending{object};
     while (!pending.empty()) {
         H const node = std::move(pending.back());
         pending.pop_back();
-        ForEachChild(node, [&pending](H const& child) {
+        ForEachChild(node, [&](H const& child) {
             if (AsRedirect(child) || child->GetPersistTraits().Type == meta::MetaPersistTraits::No) return;
+            if (dynamic_cast<ZOArray*>(child.get())) {
+                htl::status const failure = child->SetLength(0);
+                if (failure.Is(21654)) inUse.push_back(child->Name());
+                if (!failure.IsError() || failure.Is(21654)) return;
+            }
             // An array of fixed length refuses, and its elements may hold others.
-            bool const isArray = dynamic_cast<ZOArray*>(child.get()) != nullptr;
-            if (isArray && !child->SetLength(0).IsError()) return;
             if (!child->IsValueType()) pending.push_back(child);
         });
     }
+    return inUse;
 }
 
 } // namespace
@@ -94,7 +100,10 @@ void Merge::ListChildren_(H const& container) {
     std::unordered_set<GID> numbers;
     ForEachChild(container, [&](H const& child) {
         GID const number = GetObjectIDByTag(child);
-        if (number != 0 && numbers.insert(number).second) children.push_back(&ObjectAt_(child, sourceGroup));
+        if (number == 0) return;
+        Object& object = ObjectAt_(child, sourceGroup);
+        named.push_back(&object);
+        if (numbers.insert(number).second) children.push_back(&object);
     });
 }
 
@@ -102,7 +111,7 @@ void Merge::MakeNamesUnique_(Container& destination) {
     str::UniqueTexts taken;
     if (H const container = base.Find(destination.name))
         ForEachChild(container, [&taken](H const& object) { taken.Add(GetObjectName(object)); });
-    for (Object* const child : children) {
+    for (Object* const child : named) {
         if (child->name.empty()) continue;
         std::wstring unique = taken.Make(child->name);
         if (unique != child->name) {
@@ -194,12 +203,12 @@ void Merge::AddLink_(Object& object, H const& field) {
 Merge::Goal Merge::GoalOf_(GGID const& link) {
     auto const [place, isNew] = goals.try_emplace(hzn::gid::Value(link));
     if (!isNew) return place->second;
-    // What lies inside a record that is merged itself goes along with it.
+    // What lies inside a record that is merged itself goes along with it. One without a number was copied in part.
     GGID const around = ContainerRef({}, link.group).EnclosingRecordId();
     if (hzn::gid::IsValid(around) && !(around == source))
-        if (H const record = GetSource(&transaction, around))
-            if (auto const found = objects.find(record.get()); found != objects.end())
-                return place->second = {found->second.get(), true};
+        if (H const record = GetSource(&transaction, around);
+            record && (objects.contains(record.get()) || GetObjectIDByTag(record) != 0))
+            return place->second = {&ObjectAt_(record, around.group), true};
     H const node = GetSource(&transaction, link);
     // A record of which the document says nothing only keeps the place of others.
     if (!node || (!objects.contains(node.get()) && !node->begin().current)) return {};
@@ -251,7 +260,7 @@ void Merge::Choose_(Object& object) {
     H existing = base.Find(container.name);
     std::size_t const length = existing ? existing->Length() : 0;
     existing.release();
-    if (htl::status failure = Grow_(container.name, length + 1); failure.IsError()) {
+    if (htl::status failure = Resize_(container.name, length + 1); failure.IsError()) {
         Keep_(std::move(failure));
         object.isRefused = true;
         return;
@@ -260,7 +269,7 @@ void Merge::Choose_(Object& object) {
     object.number = static_cast<GID>(length + 1);
 }
 
-htl::status Merge::Grow_(std::string const& name, std::size_t length) {
+htl::status Merge::Resize_(std::string const& name, std::size_t length) {
     H container = base.Find(name);
     if (!container) return ZOError::not_found(name);
     htl::status failure = container->SetLength(length);
@@ -280,10 +289,7 @@ void Merge::Finish_(Object& object) {
     if (object.exists)
         if (H const present = base.Find(object.place); !AreZOsIdenticalUsingPersistance(object.node, present)) {
             names.push_back(object.name);
-            if (present) {
-                present->Clear();
-                EmptyArrays(present);
-            }
+            if (present) ClearPresent_(present);
         }
     std::size_t const failuresBefore = failures.size();
     Commit_(object);
@@ -294,6 +300,12 @@ void Merge::Finish_(Object& object) {
     // A rule of the target may have refused the name.
     std::wstring const name = failures.size() == failuresBefore ? object.name : GetObjectName(placed);
     if (!name.empty()) object.container->byName.try_emplace(str::FoldCase(name), object.place);
+}
+
+void Merge::ClearPresent_(H const& present) {
+    present->Clear();
+    // Elements that stayed would be taken for those of the new object.
+    for (std::string const& array : EmptyArrays(present)) Keep_(Resize_(array, 0));
 }
 
 void Merge::Commit_(Object const& object) {

@@ -75,7 +75,8 @@ private:
     htl::status Rewrite_(LinkField const& field, Goal const& goal);
     /// Settles the object's place and number: those of the object of its name, or new ones.
     void Choose_(Object& object);
-    htl::status Grow_(std::string const& name, std::size_t length);
+    htl::status Resize_(std::string const& name, std::size_t length);
+    void ClearPresent_(H const& present);
     void Finish_(Object& object);
     void Commit_(Object const& object);
 
@@ -96,7 +97,8 @@ private:
     GGID source;                   // the record around the pasted container in the document, and
     GGID target;                   // in the target
     GID sourceGroup = 0;           // of the pasted objects in the document
-    std::vector<Object*> children; // the pasted objects
+    std::vector<Object*> named;    // the objects of the pasted container that have a number
+    std::vector<Object*> children; // those that are pasted: the first of each number
     std::unordered_map<GID, std::unique_ptr<Container>> containers;  // by the group in the document
     std::unordered_map<IZO const*, std::unique_ptr<Object>> objects; // by node
     std::unordered_map<std::uint64_t, Goal> goals;                   // by link

@@ -89,6 +89,26 @@ TEST_F(PasteTest, ALinkedObjectOfTheSameNameThatDiffersIsReplacedAndNamed) {
     EXPECT_EQ(names, Names{L"Rock"});
 }
 
+TEST_F(PasteTest, WhatTheDocumentLeavesOutIsNotCompared) {
+    auto const contents = Copy({"Regions[1]"});
+    other.Use();
+    std::vector<Material> const materials{{1, L"Rock", 400, 1, {1, 2, 3}}};
+    other->materials = materials;
+    Paste(regionGroup, contents);
+    EXPECT_EQ(other->materials, materials);
+    EXPECT_EQ(names, Names());
+}
+
+TEST_F(PasteTest, AnArrayThatGoesOnWhereTheCopiedOneEndsCountsAsTheSameAndIsCut) {
+    project->materials[2].strengths = {410};
+    auto const contents = Copy({"Regions[1]"});
+    other.Use();
+    other->materials = {{1, L"Rock", 400, 0, {410, 420}}};
+    Paste(regionGroup, contents);
+    EXPECT_EQ(other->materials[0].strengths, std::vector<double>{410});
+    EXPECT_EQ(names, Names());
+}
+
 TEST_F(PasteTest, AnArrayWithoutElementsReplacesOneWithElements) {
     auto const contents = Copy({"Regions[1]"});
     other.Use();
@@ -309,6 +329,19 @@ TEST_F(PartialTest, OfTwoObjectsWithOneNumberTheFirstIsPasted) {
     EXPECT_EQ(project->materials[3].name, L"Peat");
 }
 
+TEST_F(PartialTest, TheSecondObjectOfANumberThatIsLinkedToReplacesNothing) {
+    auto const contents =
+        Contents(L"<Materials Len=\"2\"><Material><ID>1</ID><Name>Peat</Name><Substitute>2</Substitute></Material>"
+                 L"<Material><ID>1</ID><Name>Clay</Name><Cohesion>9</Cohesion></Material></Materials>");
+    Paste(materialGroup, contents);
+    ASSERT_EQ(project->materials.size(), 5u);
+    Material const clay{4, L"Clay (2)", 9, 0}, peat{5, L"Peat", 0, 4};
+    EXPECT_EQ(project->materials[1], Ground().materials[1]) << "the project's own clay";
+    EXPECT_EQ(project->materials[3], clay);
+    EXPECT_EQ(project->materials[4], peat);
+    EXPECT_EQ(names, Names());
+}
+
 TEST_F(PartialTest, ObjectsWithoutANameArePasted) {
     auto const contents = Contents(L"<Materials Len=\"2\"><Material><ID>1</ID><Cohesion>3</Cohesion></Material>"
                                    L"<Material><ID>2</ID><Name Missing=\"true\"/><Cohesion>4</Cohesion></Material>"
@@ -391,6 +424,32 @@ TEST_F(FailureTest, AContainerThatCannotGrowIsLeftAloneAndLinksToItsObjectsLeadN
     std::vector<Region> const expected{{1, L"Base", 90, 0, 0}};
     EXPECT_EQ(other->regions, expected);
     EXPECT_EQ(TextOf(held), L"2") << "the view is as good as before";
+}
+
+TEST_F(FailureTest, AViewInsideAnObjectThatIsReplacedStaysGood) {
+    auto const contents = Copy({"Regions[1]"});
+    other.Use();
+    other->materials = {{1, L"Rock", 350, 0, {1, 2, 3}}};
+    zo::H const held = zo::Find("Materials[0].Strengths[2]");
+    ASSERT_EQ(TextOf(held), L"3");
+    EXPECT_TRUE(FailsAs(PasteAll(regionGroup, contents), zo::ZOError::array_memory_conflict()));
+    EXPECT_EQ(Texts(reasons), Texts({zo::ZOError::array_memory_conflict()}));
+    EXPECT_EQ(other->materials.at(0).cohesion, 400);
+    EXPECT_EQ(other->materials[0].strengths.size(), 3u) << "a held view keeps them";
+    EXPECT_TRUE(Succeeds(held->Set(4.0)));
+    EXPECT_EQ(other->materials[0].strengths[2], 4);
+}
+
+TEST_F(FailureTest, AnAliasThatHoldsAnElementOfAReplacedObjectIsNoHindrance) {
+    auto const contents = Copy({"Regions[1]"});
+    other.Use();
+    other->materials = {{1, L"Rock", 350, 0, {1, 2, 3}}};
+    ASSERT_TRUE(zo::kit::Register({[](zo::kit::Kit& kit) {
+                    kit.Alias("Cover", L"Cover", "Materials[0].Strengths[1]", {.kept = true});
+                }}).IsClean());
+    ASSERT_EQ(TextOf("Cover"), L"2");
+    Paste(regionGroup, contents);
+    EXPECT_EQ(other->materials.at(0).strengths, std::vector<double>());
 }
 
 TEST_F(FailureTest, AnAliasThatHoldsAnElementIsNoHindrance) {

@@ -67,7 +67,7 @@ public:
 
 zo::IZO* ReferenceField::Clone() { return new HeldReference(RegID(), Owner(), GetData()); }
 
-/// Each profile refers to what can be seen from it.
+/// Each profile refers to what can be seen from it, each material to where it was sampled.
 class ReferenceTest : public ClipTest {
 protected:
     ReferenceTest() {
@@ -78,10 +78,14 @@ protected:
     }
     static void AddReferences(Project const& to) {
         to.Use();
-        htl::handle<zo::IODS> const store(new zo::ODS("Profiles.[].Seen", true, true, nullptr));
-        to.registry->RegisterZO(store, zo::H(new ReferenceField(offsetof(Profile, seen))),
-                                {meta::MetaPersistTraits::Always, L"Seen", true}, ReferenceField::Traits());
+        AddReference(to, "Profiles.[].Seen", L"Seen", offsetof(Profile, seen));
+        AddReference(to, "Materials.[].Sampled", L"Sampled", offsetof(Material, sampled));
         to.registry->OnPostRegistration();
+    }
+    static void AddReference(Project const& to, std::string const& name, std::wstring const& tag, std::size_t offset) {
+        htl::handle<zo::IODS> const store(new zo::ODS(name, true, true, nullptr));
+        to.registry->RegisterZO(store, zo::H(new ReferenceField(offset)), {meta::MetaPersistTraits::Always, tag, true},
+                                ReferenceField::Traits());
     }
     static GID WellsOf(GID profile) { return PackedContainerGID({profileGroup, profile}, wellGroup); }
 };
@@ -126,6 +130,29 @@ TEST_F(ReferenceTest, AReferenceIntoAnotherRecordFindsWhatHasTheSameNameThere) {
     ASSERT_EQ(project->profiles.size(), 3u);
     EXPECT_EQ(project->profiles[2].seen, (GGID{WellsOf(2), 2}));
     EXPECT_EQ(project->profiles[1].wells.size(), 2u);
+}
+
+TEST_F(ReferenceTest, AReferenceIntoARecordThatComesAlongLaterGoesAlongToo) {
+    // Clay was sampled from a well of the profile from which rock was.
+    project->materials[1].sampled = {WellsOf(2), 2};
+    project->materials[2].sampled = {profileGroup, 2};
+    project->regions = {{1, L"Slope", 60, 2, 0, 0, {3}}};
+    auto const contents = Copy({"Regions[0]"});
+    other.Use();
+    other->profiles = {{1, L"North", 0, {}}, {2, L"South", 0, {{1, L"S1", 3, 0}}}};
+    Paste(regionGroup, contents);
+    ASSERT_EQ(other->profiles.size(), 3u);
+    EXPECT_EQ(other->profiles[1].wells.size(), 1u) << "the south was not sampled";
+    EXPECT_EQ(other->profiles[2], (Profile{3, L"East", 0, project->profiles[1].wells}));
+    for (Material const& material : other->materials) {
+        if (material.name == L"Clay") {
+            EXPECT_EQ(material.sampled, (GGID{WellsOf(3), 2}));
+        }
+        if (material.name == L"Rock") {
+            EXPECT_EQ(material.sampled, (GGID{profileGroup, 3}));
+        }
+    }
+    EXPECT_EQ(TextOf("Regions[0].Material.Name"), L"Clay");
 }
 
 TEST_F(ReferenceTest, AReferenceIntoARecordThatIsNotThereLeadsNowhere) {

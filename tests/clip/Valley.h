@@ -29,6 +29,7 @@ struct Material {
     double cohesion = 0;             // kPa, 0 to 1,000
     int substitute = 0;              // another material
     std::vector<double> strengths{}; // kPa, by test
+    GGID sampled{};                  // a record of any group; not declared, for those who need it
 
     bool operator==(Material const&) const = default;
 };
