@@ -4,6 +4,7 @@
 #include "Common/extinfo/ExtendedInfo.h"
 #include "Common/model/ZOAtomicData.h"
 #include "Common/model/ZOWrapper.h"
+#include "Common/redirect/ZOAlias.h"
 #include "Common/xml/Write.h"
 #include "tests/present/Levee.h" // for the words of DataParamType
 #include "tests/registry/Rows.h"
@@ -12,6 +13,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -412,6 +414,31 @@ TEST_F(ParameterTest, ThatIsNoNumberOf32BitsIsNone) {
     EXPECT_EQ(LookupParam(Find("Site.Number"), "Large"), DataParamType::None);
     model.site.large = 7;
     EXPECT_EQ(LookupParam(Find("Site.Number"), "Large"), DataParamType::Cohesion);
+}
+
+TEST(ParameterKindTest, ReadsTheParameterAndNotTheNumberThatTheApplicationKnowsItBy) {
+    auto record = std::make_shared<meta::MetaTraitsAtomic>(*meta::AtomicTraits<DataParamType>().AsAtomic());
+    record->toInt64 = [](void const* value, htl::Int64& out) {
+        out = 100 + static_cast<htl::Int64>(*static_cast<DataParamType const*>(value));
+        return htl::status();
+    };
+    meta::MetaDataTraits const traits{std::shared_ptr<meta::MetaTraits const>(record)};
+    struct Levee {
+        DataParamType param = DataParamType::Cohesion;
+    } levee;
+    rows::OwnRegistry registry;
+    registry.Add("Levee", embankment::StructPrototype(rows::StructureTraits()), L"Levee", rows::StructureTraits(),
+                 &levee);
+    registry.Add("Levee.Param", H(new zo::ZOWrapperAtomic<DataParamType>(IZO::npos, nullptr, traits, nullptr, {})),
+                 L"Param", traits);
+    registry.Add("Levee.Other", H(new zo::ZOAlias("Levee.Param", IZO::npos, nullptr)), L"Other", traits);
+    registry->OnPostRegistration();
+    ASSERT_EQ(TextOf(Find("Levee.Param")), L"7");
+    htl::Int64 number = 0;
+    ASSERT_TRUE(Succeeds(Find("Levee.Param")->Get(number)));
+    ASSERT_EQ(number, 107);
+    EXPECT_EQ(LookupParam(Find("Levee.Param"), "Param"), DataParamType::Cohesion);
+    EXPECT_EQ(LookupParam(Find("Levee.Param"), "Other"), DataParamType::Cohesion);
 }
 
 TEST_F(ParameterTest, StagedInATransactionGovernsWhatIsStagedThere) {
