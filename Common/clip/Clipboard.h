@@ -33,8 +33,8 @@ struct ClipboardContents {
 [[nodiscard]] ZO_API htl::status Serialize(ClipboardContents& contents, std::vector<H> nodes,
                                            hzn::version::NumberKind<0> const& version, std::string const& path);
 
-/// Whether `contents` were written under `version` and hold objects of the container `id`: a group, or a packed
-/// container number. The document isn't looked at.
+/// Whether `contents` were written under `version` and hold the container `id`: a group, or a packed container number.
+/// One that was copied without objects in it counts. The document isn't looked at.
 [[nodiscard]] ZO_API bool Contains(GID const& id, ClipboardContents& contents,
                                    hzn::version::NumberKind<0> const& version);
 

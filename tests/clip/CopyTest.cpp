@@ -130,10 +130,11 @@ TEST_F(CopyTest, RecordsInsideARecordAreToldWithIt) {
                               L"<Next Missing=\"true\"/></Well><Well/></Wells></Profile></Profiles>");
 }
 
-TEST_F(CopyTest, ARecordBringsThoseInsideIt) {
+TEST_F(CopyTest, ARecordBringsItsContainersEmptyOnesToo) {
     project->profiles = {{1, L"West", 0, {{1, L"W1", 12, 0}}}};
     EXPECT_EQ(Copy({"Profiles[0]"}).objects,
-              L"20," + std::to_wstring(PackedContainerGID({profileGroup, 1}, wellGroup)));
+              L"20," + std::to_wstring(PackedContainerGID({profileGroup, 1}, wellGroup)) + L"," +
+                  std::to_wstring(PackedContainerGID({profileGroup, 1}, probeGroup)));
 }
 
 TEST_F(CopyTest, EmptyHandlesArePassedOver) {

@@ -258,6 +258,55 @@ TEST_F(NestedTest, TheFullFormPastesIntoAnotherRecord) {
     EXPECT_EQ(project->profiles[0].wells.size(), 2u);
 }
 
+TEST_F(NestedTest, WhatIsLinkedToBesideTheContainerComesToTheSameRecord) {
+    project->profiles[0].wells = {{1, L"W1", 12, 0, 2}};
+    project->profiles[0].probes = {{1, L"P1", 30}, {2, L"P2", 40}};
+    project->profiles[1].probes = {{1, L"P9", 50}};
+    Profile const west = project->profiles[0];
+    auto contents = Copy({"Profiles[0].Wells[0]"});
+    EXPECT_EQ(contents.objects,
+              std::to_wstring(WellsOf(1)) + L"," + std::to_wstring(PackedContainerGID({profileGroup, 1}, probeGroup)));
+    ASSERT_TRUE(Succeeds(zo::clip::Deserialize(wellGroup, {profileGroup, 1}, {profileGroup, 2}, contents, version,
+                                               names, "", &reasons)));
+    std::vector<Well> const wells{{1, L"E1", 8, 0}, {2, L"W1", 12, 0, 2}};
+    std::vector<Probe> const probes{{1, L"P9", 50}, {2, L"P2", 40}};
+    EXPECT_EQ(project->profiles[1].wells, wells);
+    EXPECT_EQ(project->profiles[1].probes, probes);
+    EXPECT_EQ(project->profiles[0], west);
+
+    Paste(WellsOf(1), contents);
+    EXPECT_EQ(project->profiles[0].probes, west.probes) << "found by its name";
+    EXPECT_EQ(project->profiles[0].wells.back(), (Well{2, L"W1 (2)", 12, 0, 2}));
+    EXPECT_EQ(names, Names());
+}
+
+TEST_F(NestedTest, ATransactionThatIsNotLockedPastesTheSame) {
+    project->profiles[0].probes = {{1, L"P1", 30}};
+    project->profiles[0].wells[1].probe = 1;
+    project->regions[0].layers = {3, 0, 1};
+    auto const contents = Copy({"Regions", "Profiles"});
+    Project third;
+    Model const start{{{1, L"rock", 1, 0, {7}}}, {{1, L"Base", 5, 1}}, {{1, L"West", 1}}, {}};
+    *other = start;
+    *third = start;
+    for (GID const id : {regionGroup, profileGroup}) {
+        other.Use();
+        Paste(id, contents);
+        third.Use();
+        htl::handle<zo::ZOSet> const base(third.registry.get());
+        htl::handle<zo::ZOTransaction> const plain(
+            new zo::ZOTransaction(htl::handle<zo::ZOSet>(new zo::ZOEmptyTransaction(base, false)), base, false));
+        std::vector<std::wstring> replaced;
+        ASSERT_TRUE(Succeeds(zo::clip::DeserializeToTransaction(plain, contents.document, version)));
+        ASSERT_TRUE(Succeeds(zo::clip::DeserializeFromTransaction(id, {}, {}, plain, replaced, "")));
+        EXPECT_EQ(replaced, id == regionGroup ? Names{L"Rock"} : Names());
+    }
+    EXPECT_EQ(names, Names{L"Rock"});
+    EXPECT_EQ(other->regions.size(), 3u);
+    EXPECT_EQ(other->profiles.size(), 3u);
+    EXPECT_EQ(*third, *other);
+}
+
 TEST_F(NestedTest, RecordsInsideARecordGoAlongAndKeepTheirNumbers) {
     auto const contents = Copy({"Profiles[0]"});
     other.Use();

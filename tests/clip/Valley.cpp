@@ -23,12 +23,19 @@ void Declare(zo::kit::Kit& kit, Model& model) {
         .Field<&Well::id>("ID", L"ID")
         .Field<&Well::name>("Name", L"Name")
         .Field<&Well::depth>("Depth", L"Depth")
-        .Field<&Well::next>("Next", L"Next", {.missing = 0u, .linkGroup = wellGroup});
+        .Field<&Well::next>("Next", L"Next", {.missing = 0u, .linkGroup = wellGroup})
+        .Field<&Well::probe>("Probe", L"Probe",
+                             {.missing = 0u, .linkGroup = probeGroup, .persist = Persist::IfNotDefault});
+    kit.Record<Probe>("Probe")
+        .Field<&Probe::id>("ID", L"ID")
+        .Field<&Probe::name>("Name", L"Name")
+        .Field<&Probe::pressure>("Pressure", L"Pressure");
     kit.Record<Profile>("Profile")
         .Field<&Profile::id>("ID", L"ID")
         .Field<&Profile::name>("Name", L"Name")
         .Link<&Profile::material>("Material", L"Material", materialGroup)
-        .Array<&Profile::wells>("Wells", L"Wells[Well]", {.recordGroup = wellGroup});
+        .Array<&Profile::wells>("Wells", L"Wells[Well]", {.recordGroup = wellGroup})
+        .Array<&Profile::probes>("Probes", L"Probes[Probe]", {.recordGroup = probeGroup});
     kit.Record<Settings>("Settings", {.recordGroup = settingsGroup})
         .Field<&Settings::tolerance>("Tolerance", L"Tolerance")
         .Link<&Settings::cover>("Cover", L"Cover", materialGroup);

@@ -1,8 +1,8 @@
 // A valley whose parts are copied from one project into another.
 //
 // Materials (group 10) may be replaced by each other, regions (group 12) lie in a material and have neighbours, the
-// settings (group 7) are one record, and profiles (group 20) hold wells (group 130), which mean nothing without their
-// profile. The numbers of all records are those of their fields "ID".
+// settings (group 7) are one record, and profiles (group 20) hold wells (group 130) and probes (group 131), which mean
+// nothing without their profile. The numbers of all records are those of their fields "ID".
 #pragma once
 
 #include "Common/clip/Clipboard.h"
@@ -20,7 +20,8 @@ using site::Succeeds;
 using site::TextOf;
 using zo::clip::ClipboardContents;
 
-inline constexpr GID settingsGroup = 7, materialGroup = 10, regionGroup = 12, profileGroup = 20, wellGroup = 130;
+inline constexpr GID settingsGroup = 7, materialGroup = 10, regionGroup = 12, profileGroup = 20, wellGroup = 130,
+                     probeGroup = 131;
 inline constexpr hzn::version::NumberKind<0> version{1, 0};
 
 struct Material {
@@ -47,10 +48,18 @@ struct Region {
 struct Well {
     int id = 0;
     std::wstring name;
-    double depth = 0;  // m
-    unsigned next = 0; // in the same profile
+    double depth = 0;   // m
+    unsigned next = 0;  // in the same profile
+    unsigned probe = 0; // in the same profile, too
 
     bool operator==(Well const&) const = default;
+};
+struct Probe {
+    int id = 0;
+    std::wstring name;
+    double pressure = 0; // kPa
+
+    bool operator==(Probe const&) const = default;
 };
 struct Profile {
     int id = 0;
@@ -58,6 +67,7 @@ struct Profile {
     int material = 0; // at the surface
     std::vector<Well> wells{};
     GGID seen{}; // a record of any group; not declared, for those who need it
+    std::vector<Probe> probes{};
 
     bool operator==(Profile const&) const = default;
 };
