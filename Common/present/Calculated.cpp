@@ -6,6 +6,7 @@
 #include "Common/registry/Find.h"
 #include "Common/registry/RegistryImpl.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -40,7 +41,9 @@ H GetAtomicWrapper<IFn>(IFn* function) {
 }
 
 DataParamType LookupParam(H const& node, std::string const& name) {
-    for (H level = node; level; level = GetParent(level, 1))
+    // Each parent's name is shorter, unless a node was entered again under a name below its own.
+    std::size_t left = impl::mostRedirects + (node ? node->Name().size() : 0);
+    for (H level = node; level && left > 0; level = GetParent(level, 1), --left)
         if (H const field = GetSibling(level, name)) return ParameterIn(field);
     return {};
 }

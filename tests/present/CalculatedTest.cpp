@@ -441,6 +441,16 @@ TEST(ParameterKindTest, ReadsTheParameterAndNotTheNumberThatTheApplicationKnowsI
     EXPECT_EQ(LookupParam(Find("Levee.Param"), "Other"), DataParamType::Cohesion);
 }
 
+TEST(ParameterPathTest, ThatLeadsInACircleEnds) {
+    rows::OwnRegistry registry;
+    H const group = registry.AddPlain("Group", L"Group");
+    registry.AddPlain("Group.Part", L"Part");
+    registry->OnPostRegistration();
+    ASSERT_TRUE(Succeeds(registry->Insert("Group.Part.Again", group)));
+    ASSERT_EQ(zo::GetParent(zo::GetParent(group, 1), 1), group);
+    EXPECT_EQ(LookupParam(group, "Param"), DataParamType::None);
+}
+
 TEST_F(ParameterTest, StagedInATransactionGovernsWhatIsStagedThere) {
     htl::handle<zo::ZOTransaction> const edit = zo::ZORegistry::Instance()->CreateTransaction();
     EXPECT_TRUE(Succeeds(edit->Find("Site.Stages[0].Curves[0].Param")->Set(9)));
