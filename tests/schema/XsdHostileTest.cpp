@@ -328,6 +328,7 @@ TEST_F(XsdRowsTest, WordsMayHoldAnyCharacter) {
     EXPECT_TRUE(IsValid(document, schema));
     EXPECT_TRUE(IsRefused(With(document, "<Linings>a.", "<Linings>ab"), schema));
     EXPECT_TRUE(IsRefused(With(document, ",None,", ",Nine,"), schema));
+    EXPECT_TRUE(IsValid(With(document, ",None,", ",,"), schema));
     EXPECT_EQ(Count(schema, "<xs:simpleType name=\"Lining"), 2u); // the words, and lists of them
 }
 
@@ -344,6 +345,17 @@ TEST_F(XsdRowsTest, TypesOfTheSameNameAreToldApart) {
     std::string const document = lint::Document();
     EXPECT_TRUE(IsValid(document, schema));
     EXPECT_TRUE(IsRefused(With(document, ">Steel<", ">a.<"), schema));
+}
+
+TEST_F(XsdRowsTest, OneTypeMayHaveOtherWordsElsewhere) {
+    int a = 0, b = 3;
+    Value("A", LiningTraits(), a);
+    Value("B", meta::EnumTraits<Lining>(steels, Lining::None), b);
+    rows.Finish();
+    std::string const schema = lint::Schema();
+    std::string const document = lint::Document();
+    EXPECT_TRUE(IsValid(document, schema));
+    EXPECT_TRUE(IsRefused(With(document, "<A>None<", "<A>Steel<"), schema));
 }
 
 TEST_F(XsdRowsTest, NumberWithoutAWordIsValid) {
