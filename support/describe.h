@@ -95,7 +95,8 @@ extern template ZO_API MetaDataTraits const& AtomicTraits<DataParamType>();
 /// One value of an enumeration, within the range of int, with its three texts: in documents and `Set`, abbreviated,
 /// pretty.
 struct EnumWord {
-    htl::Int64 value;
+    htl::Int64 value; ///< of the enumerator
+    /// In documents and `Set`; short; for people.
     std::wstring_view text, abbreviated, pretty;
 };
 
@@ -191,12 +192,15 @@ class AtomicBuilder {
 public:
     AtomicBuilder() : missing(StandardMissing<T>()) {}
 
+    /// What a reset stores; T{} without it.
     AtomicBuilder& Default(T value) { return defaultValue = std::move(value), *this; }
+    /// The value that stands for none and has an empty text, or that there is none.
     AtomicBuilder& Missing(std::optional<T> value) { return missing = std::move(value), *this; }
     /// The check of a candidate value: success or the failure that the writer of the value gets.
     AtomicBuilder& Valid(std::function<htl::status(T const& value, zo::IZO const* node)> check) {
         return valid = std::move(check), *this;
     }
+    /// What is measured, as a constant or by value and node.
     AtomicBuilder& Units(hzn::units::Kind::Type kind) {
         unitKind = [kind](void const*, zo::IZO const*) { return kind; };
         return *this;
@@ -204,6 +208,7 @@ public:
     AtomicBuilder& Units(std::function<hzn::units::Kind::Type(void const* value, zo::IZO const* node)> kind) {
         return unitKind = std::move(kind), *this;
     }
+    /// The data parameter, as a constant or by node.
     AtomicBuilder& Param(DataParamType parameter) {
         dataParamType = [parameter](zo::IZO const*) { return parameter; };
         return *this;
@@ -211,12 +216,16 @@ public:
     AtomicBuilder& Param(std::function<DataParamType(zo::IZO const*)> parameter) {
         return dataParamType = std::move(parameter), *this;
     }
+    /// The group of the records that the value refers to.
     AtomicBuilder& LinkGroup(std::uint32_t group) { return linkGroup = group, *this; }
+    /// Asked whether people see the node.
     AtomicBuilder& Visible(std::function<bool(zo::IZO const&)> rule) { return visible = Rule(std::move(rule)), *this; }
+    /// Asked whether people may edit the node.
     AtomicBuilder& Editable(std::function<bool(zo::IZO const&)> rule) {
         return editable = Rule(std::move(rule)), *this;
     }
 
+    /// The traits, which hold what they were made of.
     MetaDataTraits Build() const {
         auto record = std::make_shared<MetaTraitsAtomic>(MakeAtomic<T>(defaultValue, missing));
         Apply(*record);
@@ -254,22 +263,27 @@ private:
 template <class S>
 class StructureBuilder {
 public:
+    /// Names a member: `Member(&Soil::cohesion, &CohesionTraits)`, where the function gives the traits of its type.
     template <class M>
     StructureBuilder& Member(M S::*member, MetaDataTraits (*traits)()) {
         members.push_back({OffsetOf(member), traits});
         return *this;
     }
+    /// Asked for the group of the record that an object is.
     StructureBuilder& RecordGroup(std::function<std::uint32_t(S const&)> group) {
         recordGroup = [group = std::move(group)](void const* memory) { return group(*static_cast<S const*>(memory)); };
         return *this;
     }
+    /// Asked whether people see the node.
     StructureBuilder& Visible(std::function<bool(zo::IZO const&)> rule) {
         return visible = Rule(std::move(rule)), *this;
     }
+    /// Asked whether people may edit the node.
     StructureBuilder& Editable(std::function<bool(zo::IZO const&)> rule) {
         return editable = Rule(std::move(rule)), *this;
     }
 
+    /// The traits, which hold what they were made of.
     MetaDataTraits Build() const {
         struct Owned : MetaTraitsStructure {
             std::vector<MetaMember> owned;

@@ -8,7 +8,9 @@
 
 namespace hzn::diag {
 
+/// How much a message matters.
 struct Severity {
+    /// In this order.
     enum Type : std::int32_t { Info = 0, Note = 1, Warning = 2, Error = 3 };
 };
 
@@ -17,8 +19,10 @@ struct Severity {
 /// There are 31 bits. The names beyond 30 share the last one and so are logged together. Threads: any.
 class ZO_API DeclareCategoryMask {
 public:
+    /// Gives the name its bit at the first call.
     explicit DeclareCategoryMask(char const* name);
 
+    /// The bit.
     operator int() const noexcept { return bit; }
 
 private:

@@ -31,7 +31,7 @@ extern template ZO_API bool tokenize<std::wstring>(std::wstring&, unsigned, std:
 /// holds a value. Text is borrowed.
 template <class T>
 struct arg {
-    T value;
+    T value; ///< what is printed
 
     /// Replaces `out` by the text of the value. `token` is the placeholder that it stands for; none of them changes the
     /// text. Whole numbers are decimal, a double has the shortest text that reads back, a bool is "true" or "false", an

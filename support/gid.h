@@ -13,8 +13,8 @@ typedef std::uint32_t GID;
 
 /// The identifier of a record. With a zero word it is empty: it names no record.
 struct GGID {
-    GID group = 0;
-    GID id = 0;
+    GID group = 0; ///< a group, or a packed container number
+    GID id = 0;    ///< the record's number in it
 
     friend bool operator==(GGID const&, GGID const&) = default;
     /// By group, then by number.
@@ -53,7 +53,9 @@ public:
     /// Explicit, so that no overload takes an identifier for a reference.
     explicit ContainerRef(GGID const& record, GID const& gid) noexcept : container(record), object(gid) {}
 
+    /// The record that holds the object; empty where it is packed in the number.
     GGID const& Container() const noexcept { return container; }
+    /// The object's number.
     GID Object() const noexcept { return object; }
 
     /// The identifier of the record around the object: the container if it is not empty, else what is packed in the

@@ -28,6 +28,7 @@ struct handle_mgmt_refcounted;
 class ZO_API handle_ref_counter : public sys::thread::Affinity {
 public:
     handle_ref_counter() noexcept = default;
+    /// A copy begins with a count of 0.
     handle_ref_counter(handle_ref_counter const&) noexcept : Affinity() {}
     /// Leaves the count of the left side alone.
     handle_ref_counter& operator=(handle_ref_counter const&) noexcept { return *this; }
@@ -45,6 +46,7 @@ private:
 
 /// The one way of managing a handle's target: counting in the object itself.
 struct handle_mgmt_refcounted {
+    /// Takes a share in an object, which may be null.
     static void AddRef(handle_ref_counter const* object) noexcept {
         if (object) ++object->references;
     }
@@ -64,9 +66,11 @@ private:
 template <class T, class M = handle_mgmt_refcounted>
 class handle {
 public:
+    /// What it refers to.
     using element_type = T;
 
     handle() noexcept = default;
+    /// Null.
     handle(std::nullptr_t) noexcept {}
     /// Takes a share in `object`, which may be null.
     explicit handle(T* object) noexcept : pointer(object) { M::AddRef(pointer); }
@@ -89,9 +93,12 @@ public:
         return *this;
     }
 
+    /// The object, not counted; null for none.
     T* get() const noexcept { return pointer; }
+    /// The object, which must be there.
     T* operator->() const noexcept { return pointer; }
     T& operator*() const noexcept { return *pointer; }
+    /// Whether there is an object.
     explicit operator bool() const noexcept { return pointer != nullptr; }
 
     /// Gives up the share and leaves the handle null.
@@ -128,7 +135,9 @@ protected:
 
 } // namespace htl
 
+/// Hashes the object's address.
 template <class T, class M>
 struct std::hash<htl::handle<T, M>> {
+    /// Equal for handles to one object.
     std::size_t operator()(htl::handle<T, M> const& value) const noexcept { return std::hash<T*>()(value.get()); }
 };

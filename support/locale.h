@@ -19,10 +19,12 @@ public:
     /// The classic notation: decimal point ".", no grouping.
     static ID Classic() noexcept { return ID(L'.', L'\0'); }
 
+    /// `separator` 0 for none.
     ID(wchar_t point, wchar_t separator) noexcept : decimalPoint(point), grouping(separator) {}
     /// The notation of the system's locale `name`, "" for the user's; the classic one if the system has no such locale.
     explicit ID(std::string const& name);
 
+    /// What stands before the fraction.
     wchar_t DecimalPoint() const noexcept { return decimalPoint; }
     /// What stands between groups of digits, 0 for nothing. Numbers are neither written nor read with it.
     wchar_t Grouping() const noexcept { return grouping; }
@@ -34,7 +36,9 @@ private:
     wchar_t grouping;
 };
 
+/// How a number is written.
 struct floatformat {
+    /// As %g, %f and %e of the C library.
     enum Type : std::int32_t { General = 0, Fixed = 1, Scientific = 2 };
 };
 

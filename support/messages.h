@@ -11,7 +11,7 @@ namespace str {
 
 /// One row of the message table.
 struct Message {
-    unsigned id;
+    unsigned id;            ///< its number
     std::wstring_view text; ///< with "%1" to "%5" where the arguments stand and "%%" for a percent sign
 };
 

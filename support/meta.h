@@ -47,20 +47,22 @@ struct ZO_API MetaTraitsTypes {
 
 /// Marks a type with no missing value.
 struct ZO_API MetaIsMissingValueNotSupported {
+    /// False.
     static bool IsMissing(void const* = nullptr);
 };
 
 /// Marks a type with no default.
 struct ZO_API MetaIsDefaultNever {
+    /// False.
     static bool IsDefault(void const* = nullptr);
 };
 
 /// What every record begins with. The argument of a rule is the node, as `CallRule` hands it over.
 struct MetaTraits {
-    Kind kind = Kind::Undefined;
-    std::size_t byteSize = 0; ///< of the client's type
-    std::function<bool(void const* node)> visible = &MetaTraitsTypes::RuleTrue;
-    std::function<bool(void const* node)> editable = &MetaTraitsTypes::RuleTrue;
+    Kind kind = Kind::Undefined;                                                 ///< which record it is
+    std::size_t byteSize = 0;                                                    ///< of the client's type
+    std::function<bool(void const* node)> visible = &MetaTraitsTypes::RuleTrue;  ///< whether people see it
+    std::function<bool(void const* node)> editable = &MetaTraitsTypes::RuleTrue; ///< whether people may edit it
     std::type_info const* type = &typeid(void); ///< `typeid(void)` where there is no type
 };
 
@@ -77,17 +79,22 @@ ZO_API bool CallRule(std::function<bool(void const*)> const& rule, zo::IZO const
 /// `node`. In these formats `fromWide` is given the present value, and leaves it as it is where the text is what is
 /// shown of it; so the digits that are not shown survive.
 struct MetaTraitsAtomic : MetaTraits {
-    std::function<bool(void const* value)> isDefault;
-    std::function<bool(void const* value)> isMissing;
+    std::function<bool(void const* value)> isDefault;          ///< equal to the default
+    std::function<bool(void const* value)> isMissing;          ///< equal to the missing value
     std::function<void(void const* value, void* out)> convert; ///< (null); accepts a null `out`
+    /// The check of a value.
     std::function<htl::status(void const* value, zo::IZO const* node, MetaDataTraits const& traits)> isValid;
+    /// Stores the default.
     std::function<void(void* value)> setDefault;
+    /// From client memory and back.
     std::function<void(void const* memory, void* value)> read;
     std::function<void(void* memory, void const* value)> write;
+    /// Conversions from the value.
     std::function<htl::status(void const* value, std::wstring& text, int format, zo::IZO const* node)> toWide;
     std::function<htl::status(void const* value, bool& out)> toBool;
     std::function<htl::status(void const* value, htl::Int64& out)> toInt64;
     std::function<htl::status(void const* value, double& out)> toDouble;
+    /// Conversions to the value.
     std::function<htl::status(std::wstring const& text, void* value, int format, zo::IZO const* node)> fromWide;
     std::function<htl::status(bool const& in, void* value)> fromBool;
     std::function<htl::status(htl::Int64 const& in, void* value)> fromInt64;
@@ -102,11 +109,11 @@ struct MetaTraitsAtomic : MetaTraits {
 
 /// A container. Functions never throw; `memory` is the container object.
 struct MetaTraitsArray : MetaTraits {
-    bool fixedLength = false;                                      ///< the length can't change
-    std::size_t (*length)(void const* memory) = nullptr;           ///< null memory: the fixed length, 0 if resizable
-    bool (*resize)(void* memory, std::size_t length) = nullptr;    ///< (null) false: it can't
-    void* (*elementAt)(void* memory, std::size_t index) = nullptr; ///< index below the length
-    void* unused = nullptr;
+    bool fixedLength = false;                                        ///< the length can't change
+    std::size_t (*length)(void const* memory) = nullptr;             ///< null memory: the fixed length, 0 if resizable
+    bool (*resize)(void* memory, std::size_t length) = nullptr;      ///< (null) false: it can't
+    void* (*elementAt)(void* memory, std::size_t index) = nullptr;   ///< index below the length
+    void* unused = nullptr;                                          ///< keeps the layout
     std::uint32_t (*addNew)(void* memory) = nullptr;                 ///< (null) 0xFFFFFFFF: it can't
     void (*removeAt)(void* memory, std::size_t index) = nullptr;     ///< (null)
     bool (*isHole)(void const* memory, std::size_t index) = nullptr; ///< (null) no element here, walks skip it
@@ -118,20 +125,20 @@ struct MetaTraitsArray : MetaTraits {
 
 /// One member of a described structure.
 struct MetaMember {
-    std::size_t offset;
-    MetaDataTraits (*traits)();
+    std::size_t offset;         ///< in bytes, in the structure
+    MetaDataTraits (*traits)(); ///< a function, so that types may nest
 };
 
 /// A structure. Without members a traversal walks nothing.
 struct MetaTraitsStructure : MetaTraits {
-    std::span<MetaMember const> members;
+    std::span<MetaMember const> members;                          ///< those that a traversal reaches
     std::function<std::uint32_t(void const* memory)> recordGroup; ///< (null) group of the record
 };
 
 /// What a traversal does with each atomic part.
 struct TravAction {
-    std::uint32_t operation;
-    std::uint32_t flags;
+    std::uint32_t operation; ///< what is done
+    std::uint32_t flags;     ///< of the operation
 };
 /// Sets every atomic part to its default.
 inline constexpr TravAction resetToDefault{32, 0};
@@ -180,6 +187,7 @@ private:
 
 /// How a node persists.
 struct ZO_API MetaPersistTraits {
+    /// What documents hold.
     enum PersistType : std::uint32_t {
         No = 0,          ///< not in the document
         Always = 1,      ///< always written
@@ -193,7 +201,7 @@ struct ZO_API MetaPersistTraits {
     /// The text behind the last "." of a tag path, a bracket suffix included; the whole text if there is none.
     static std::wstring TagFromTagName(std::wstring tagName);
 
-    std::uint32_t Type = No;
+    std::uint32_t Type = No;         ///< a `PersistType`
     std::wstring TagName;            ///< path of the node's tag
     std::wstring Tag;                ///< its last component
     bool IsPersistedAsValue = false; ///< the element's text holds the value

@@ -17,9 +17,9 @@ ZO_API void SplitComponents(std::vector<std::wstring_view>& out, std::wstring_vi
 /// The characters with a meaning in a text of fields. They differ from the backslash, which takes away the meaning of
 /// the character behind it; `separator` differs from the quotes.
 struct FieldSyntax {
-    wchar_t separator = L',';
-    wchar_t open = L'"';
-    wchar_t close = L'"';
+    wchar_t separator = L','; ///< between fields
+    wchar_t open = L'"';      ///< the quote that begins a field
+    wchar_t close = L'"';     ///< the quote that ends it
 };
 
 /// Replaces `out` by the fields of `text`, with their quotes and backslashes; there is always one at least, which may

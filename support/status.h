@@ -70,6 +70,7 @@ public:
     /// The same failure with the place of its origin attached. Success stays success.
     status WithPlace(std::string source, std::int64_t position) const;
 
+    /// Whether this is a failure.
     bool IsError() const noexcept { return pointer != nullptr; }
     /// Whether this is the failure of identifier `id`, told by the message text. Success is no identifier.
     bool Is(unsigned id) const;

@@ -42,7 +42,9 @@ ZO_API int CompareUtf16(std::wstring_view a, std::wstring_view b) noexcept;
 
 /// Function object for `CompareUtf16(a, b) < 0`.
 struct LessUtf16 {
+    /// Texts of any kind can be looked up.
     using is_transparent = void;
+    /// Whether `a` stands before `b`.
     bool operator()(std::wstring_view a, std::wstring_view b) const noexcept { return CompareUtf16(a, b) < 0; }
 };
 

@@ -19,6 +19,7 @@ ZO_API std::wstring FoldCase(std::wstring text);
 /// Cost: of `Make`, what it takes to fold the name, on average; many equal names share one search for a free number.
 class ZO_API UniqueTexts {
 public:
+    /// Takes the text as one that is there.
     void Add(std::wstring const& text);
     /// `name` if no text that was added equals it, else "name (2)", "name (3)" and so on. The result is not added.
     std::wstring Make(std::wstring const& name);

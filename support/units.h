@@ -37,6 +37,7 @@ struct Kind {
 
 namespace math {
 
+/// The systems of units.
 struct unitsystem {
     /// A whole system of units. The value is also the unit number of each word of the system's `UnitSet`.
     enum Type : std::int32_t { None = 0, Metric = 1, Imperial = 2 };
@@ -46,9 +47,10 @@ struct unitsystem {
 ///
 /// All zero stands for no set. The words need not agree: {1, 2, 1} measures in metres and pounds-force.
 struct UnitSet {
-    std::uint32_t w[3]{};
+    std::uint32_t w[3]{}; ///< length, force, time
 
     friend bool operator==(UnitSet const&, UnitSet const&) = default;
+    /// Whether it stands for no set.
     bool IsZero() const noexcept { return (w[0] | w[1] | w[2]) == 0; }
 };
 

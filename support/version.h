@@ -18,8 +18,8 @@ struct NumberKind;
 /// Precondition: `minorPart` is below 100. Versions travel as decimal fractions, where 12.100 equals 12.10.
 template <>
 struct NumberKind<0> {
-    unsigned majorPart = 0;
-    unsigned minorPart = 0;
+    unsigned majorPart = 0; ///< before the point
+    unsigned minorPart = 0; ///< behind it, below 100
 
     friend auto operator<=>(NumberKind const&, NumberKind const&) = default;
 };
@@ -27,17 +27,17 @@ struct NumberKind<0> {
 /// The version of an application. Text: "11.2.0.4711".
 template <>
 struct NumberKind<1> {
-    unsigned majorPart = 0;
-    unsigned minorPart = 0;
-    unsigned release = 0;
-    unsigned build = 0;
+    unsigned majorPart = 0; ///< the first number
+    unsigned minorPart = 0; ///< the second
+    unsigned release = 0;   ///< the third
+    unsigned build = 0;     ///< the last
 
     friend auto operator<=>(NumberKind const&, NumberKind const&) = default;
 };
 
 /// What is running.
 struct Record {
-    NumberKind<1> application;
+    NumberKind<1> application; ///< all zero until it is set
 };
 
 /// The running version; all zero until it is set.

@@ -16,7 +16,7 @@ namespace zo {
 
 /// Where one field of a node comes from.
 struct FieldSource {
-    ExtendedInfoField::Type field = ExtendedInfoField::IsDynamic;
+    ExtendedInfoField::Type field = ExtendedInfoField::IsDynamic; ///< which one
     std::wstring value;    ///< as a cell of the table says it; of a traversal list its items, as "Source as Dest"
     std::wstring entry;    ///< tag of the entry that answers for the node; empty without a compiled table
     std::wstring statedBy; ///< tag of the row that states it; empty if none does, and the value is what cells that are
@@ -26,7 +26,7 @@ struct FieldSource {
 /// Where all fields of a node come from, in the order of their numbers.
 struct ZO_API FieldsExplained {
     std::wstring node; ///< full tag, the name of a node without one; empty for an empty handle
-    std::array<FieldSource, ExtendedInfoField::count> fields;
+    std::array<FieldSource, ExtendedInfoField::count> fields; ///< each at the place of its number
 
     /// A line for the node, and one for each field that a row states.
     std::wstring Text() const;
@@ -36,7 +36,7 @@ struct ZO_API FieldsExplained {
 struct GroupTest {
     std::uint32_t asked = 0; ///< bits of the query
     std::uint32_t shows = 0; ///< bits of the entry
-    bool passes = false;
+    bool passes = false;     ///< whether a node shows by it
     std::wstring
         statedBy; ///< tag of the row that states the group; empty if none does, and the node shows in all of it
 };
@@ -46,9 +46,9 @@ struct EntryTest {
     bool isAsked = false; ///< if not, all else is empty
     std::wstring entry;   ///< its tag
     GroupTest views;      ///< passes if the query ignores views
-    GroupTest physics;
-    GroupTest modes;
-    bool passes = false; ///< all three do
+    GroupTest physics;    ///< the analyses
+    GroupTest modes;      ///< the modes
+    bool passes = false;  ///< all three do
 };
 
 /// What shows or hides a node. The tests stand in the order in which they are asked; after the first that fails none
@@ -60,8 +60,8 @@ struct ZO_API VisibilityExplained {
     EntryTest atRunTime;
     bool isRuleAsked = false; ///< the rule of a type
     std::wstring ruleOf; ///< the node whose type it is: of an alias the source; empty without one, and the rule says no
-    bool rulePasses = false;
-    bool isVisible = false;
+    bool rulePasses = false; ///< what it answered
+    bool isVisible = false;  ///< the answer to all of it
 
     /// A line for the answer, and one for each test that was asked.
     std::wstring Text() const;

@@ -24,6 +24,7 @@ enum Type : std::int32_t {
 
 /// The fields of an entry, by number. The numbers are fixed: they are positions in an entry's set of fields.
 struct ExtendedInfoField {
+    /// The number of a field.
     enum Type : unsigned {
         IsDynamic = 0,
         Label = 1,
@@ -48,11 +49,11 @@ struct ExtendedInfoField {
 /// The groups of bits in an entry's mask and in a query for what is visible.
 namespace viewmask {
 
-inline constexpr std::uint32_t views = 0x7;
-inline constexpr std::uint32_t ignoreViews = 0x8; ///< in queries: the view bits are not tested
-inline constexpr std::uint32_t physics = 0x1FF00;
-inline constexpr std::uint32_t modes = 0x60000;
-inline constexpr std::uint32_t everything = views | physics | modes;
+inline constexpr std::uint32_t views = 0x7;                          ///< the views that an entry shows in
+inline constexpr std::uint32_t ignoreViews = 0x8;                    ///< in queries: the view bits are not tested
+inline constexpr std::uint32_t physics = 0x1FF00;                    ///< the analyses
+inline constexpr std::uint32_t modes = 0x60000;                      ///< the modes
+inline constexpr std::uint32_t everything = views | physics | modes; ///< of an entry that shows everywhere
 
 } // namespace viewmask
 
@@ -66,18 +67,18 @@ struct ViewTravItem {
 
 /// One row of the table. A value; copies are deep.
 struct ExtendedInfoEntry {
-    std::wstring Tag; ///< the key: a tag, a type and a path below it, a tag with one "*", or a type
-    std::wstring Label;
-    std::wstring LabelTag; ///< how a label is composed
-    std::wstring Description;
+    std::wstring Tag;                 ///< the key: a tag, a type and a path below it, a tag with one "*", or a type
+    std::wstring Label;               ///< with "&" before the key of an accelerator
+    std::wstring LabelTag;            ///< how a label is composed
+    std::wstring Description;         ///< a sentence for people
     std::wstring PrettyPrintNameTag;  ///< how the node's name in reports is composed
     std::wstring PrettyPrintValueTag; ///< which node's value is printed in place of its own
     std::wstring ColorTag;            ///< where the node's colour is
     std::wstring CustomView;          ///< the editor to use
-    std::wstring Category;
+    std::wstring Category;            ///< the heading in a property grid
     std::uint32_t mask = viewmask::everything; ///< bit groups of `viewmask`
-    style::Type Style = style::text;
-    std::vector<ViewTravItem> viewTravList;
+    style::Type Style = style::text;           ///< how a report prints it
+    std::vector<ViewTravItem> viewTravList;    ///< what shows below its node, in order
     bool IsDynamic = false; ///< it may be without a node, and on aliases it takes nothing from other entries
     std::bitset<ExtendedInfoField::count> fields; ///< those stated, or completed from other entries
 

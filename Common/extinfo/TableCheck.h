@@ -21,14 +21,14 @@ class ExtendedInfoStore;
 struct ZO_API TableReport {
     /// A label or description that stands in one of two tables.
     struct OneLanguage {
-        std::wstring tag;
+        std::wstring tag;              ///< of the entry
         ExtendedInfoField::Type field; ///< `Label` or `Description`
         std::wstring text;             ///< as it stands in the table that has it
     };
 
-    std::size_t fieldCount = 0;
-    std::size_t entryCount = 0; ///< of the first table
-    bool hasSecondTable = false;
+    std::size_t fieldCount = 0;  ///< of the registry
+    std::size_t entryCount = 0;  ///< of the first table
+    bool hasSecondTable = false; ///< whether one was read
 
     /// Fields that no entry speaks for, be it by tag, pattern or type: all people know of them is the entry "Default".
     std::vector<std::wstring> withoutEntry;

@@ -23,9 +23,10 @@ using hzn::units::Kind;
 ///
 /// The builtins stand for std::source_location, which one of our compilers lacks.
 struct Place {
-    char const* file = "";
-    unsigned line = 0;
+    char const* file = ""; ///< as the compiler names it
+    unsigned line = 0;     ///< from 1, 0 for none
 
+    /// The place of the call, as a default argument.
     static constexpr Place Here(char const* file = __builtin_FILE(), unsigned line = __builtin_LINE()) noexcept {
         return {file, line};
     }
@@ -52,24 +53,28 @@ struct Options {
     std::optional<T> missing = {};
     /// No value of this line stands for "none", so an empty text is refused.
     bool noMissing = false;
+    /// What is measured.
     Kind::Type unit = Kind::None;
     /// The range of values that are accepted, its ends included. It refuses what is not finite, and the missing value
     /// unless the line names one.
     std::optional<T> min = {}, max = {};
     /// Asked after the range. It is also asked about the default when the line is registered, with a null node.
     std::function<htl::status(T const& value, IZO const* node)> valid = {};
+    /// The data parameter of the value, `{}` for none.
     DataParamType param = {};
     /// The group of the records that this value refers to, 0 for none. The value knows its group and leads nowhere: a
     /// `Link` is a door to the record, too.
     std::uint32_t linkGroup = 0;
+    /// Asked whether people see the node and may edit it; empty ones say yes.
     std::function<bool(IZO const&node)> visible = {}, editable = {};
-    Persist persist = Persist::Always;
+    Persist persist = Persist::Always; ///< what documents hold of it
 };
 
 /// Options of a link. There is no other default than no record.
 struct LinkOptions {
+    /// Asked whether people see the node and may edit it; empty ones say yes.
     std::function<bool(IZO const&node)> visible = {}, editable = {};
-    Persist persist = Persist::Always;
+    Persist persist = Persist::Always; ///< what documents hold of it
 };
 
 /// Options of an alias by name.
@@ -84,13 +89,15 @@ template <Value T>
 struct ValueArrayOptions {
     std::optional<T> dflt = {};    ///< T{} without it
     std::optional<T> missing = {}; ///< elements have none without it
+    /// From here to `persist` as in `Options`, of each element.
     Kind::Type unit = Kind::None;
     std::optional<T> min = {}, max = {};
     std::function<htl::status(T const& value, IZO const* node)> valid = {};
     DataParamType param = {};
     std::uint32_t linkGroup = 0;
+    /// Asked whether people see the node and may edit it; empty ones say yes.
     std::function<bool(IZO const&node)> visible = {}, editable = {};
-    Persist persist = Persist::Always;
+    Persist persist = Persist::Always; ///< what documents hold of it
     /// An element of the document for each value, instead of one text with commas. So it is in any case where the text
     /// of a value may be empty or hold a comma.
     bool elements = false;
@@ -101,29 +108,32 @@ struct ValueArrayOptions {
 
 /// Options of an array of records.
 struct RecordArrayOptions {
+    /// Asked whether people see the node and may edit it; empty ones say yes.
     std::function<bool(IZO const&node)> visible = {}, editable = {};
-    Persist persist = Persist::Always;
-    std::uint32_t recordGroup = 0; ///< as for arrays of values
+    Persist persist = Persist::Always; ///< what documents hold of it
+    std::uint32_t recordGroup = 0;     ///< as for arrays of values
 };
 
 /// Options of an associative container of records or containers.
 struct RecordMapOptions {
-    std::wstring keyTag = L"Key";
-    std::wstring valueTag = L"Value";
+    std::wstring keyTag = L"Key";     ///< of the key in documents
+    std::wstring valueTag = L"Value"; ///< of the value in documents
+    /// Asked whether people see the node and may edit it; empty ones say yes.
     std::function<bool(IZO const&node)> visible = {}, editable = {};
-    Persist persist = Persist::Always;
-    std::uint32_t recordGroup = 0; ///< of the elements by position, as for arrays: a key is no record's number
+    Persist persist = Persist::Always; ///< what documents hold of it
+    std::uint32_t recordGroup = 0;     ///< of the elements by position, as for arrays: a key is no record's number
 };
 
 /// Options of an associative container of single values.
 template <Value T>
 struct ValueMapOptions {
-    std::wstring keyTag = L"Key";
-    std::wstring valueTag = L"Value";
-    Options<T> value = {};
+    std::wstring keyTag = L"Key";     ///< of the key in documents
+    std::wstring valueTag = L"Value"; ///< of the value in documents
+    Options<T> value = {};            ///< of each value
+    /// Asked whether people see the node and may edit it; empty ones say yes.
     std::function<bool(IZO const&node)> visible = {}, editable = {};
-    Persist persist = Persist::Always;
-    std::uint32_t recordGroup = 0; ///< as for maps of records
+    Persist persist = Persist::Always; ///< what documents hold of it
+    std::uint32_t recordGroup = 0;     ///< as for maps of records
 };
 
 /// Options of a structure within a structure.

@@ -28,7 +28,7 @@ namespace zo::kit {
 struct Mistake {
     std::wstring text; ///< what is wrong, and with which name
     std::string file;  ///< of the line that declares it
-    unsigned line = 0;
+    unsigned line = 0; ///< from 1, 0 for none
 };
 
 /// What came of a registration.
@@ -36,6 +36,7 @@ struct [[nodiscard]] Report {
     /// All mistakes, in the order in which they were found. Empty: everything is registered. Else nothing is.
     std::vector<Mistake> mistakes;
 
+    /// Whether there are no mistakes.
     bool IsClean() const noexcept { return mistakes.empty(); }
     /// A line for each mistake: "file:line: text".
     std::wstring Text() const {

@@ -178,6 +178,7 @@ using ResultOf = std::remove_cvref_t<std::invoke_result_t<decltype(Get), S const
 template <class S>
 class Record {
 public:
+    /// Made by `Kit::Record`.
     Record(impl::RecordPlan& plan, std::shared_ptr<S const> fresh) : plan(&plan), fresh(std::move(fresh)) {}
 
     /// A single value or an enumeration: `.Field<&Soil::friction>("Friction", L"Phi", {.dflt = 30.0})`.

@@ -153,8 +153,8 @@ private:
 
 /// A part of an application that declares structures.
 struct Module {
-    std::string name;
-    std::function<void(Kit&)> declare;
+    std::string name;                  ///< may be empty
+    std::function<void(Kit&)> declare; ///< called once, by `Register`
 
     /// A function, or anything that is called like one. The name is for mistakes in the list itself.
     template <class F>
@@ -163,12 +163,13 @@ struct Module {
     Module(std::string name, std::function<void(Kit&)> declare, Place place = Place::Here())
         : name(std::move(name)), declare(std::move(declare)), place(place) {}
 
-    Place place;
+    Place place; ///< of the module in the list
 };
 
 /// The work of `Register`.
 class Registration {
 public:
+    /// As `Register`.
     static Report Run(std::vector<Module> const& modules) {
         Kit kit;
         std::set<std::string_view> names;

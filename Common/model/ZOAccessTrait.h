@@ -21,12 +21,14 @@ public:
 template <class R>
 class ZOAccessValueTypeTrait;
 
+/// The question and its answer.
 template <>
 class ZO_API ZOAccessValueTypeTrait<bool> : public IZOAccessValueTypeTrait {
 public:
     /// `question` is not copied and must live as long as the trait. The answer is false until the trait was called.
     explicit ZOAccessValueTypeTrait(std::function<bool(void const*)> const& question) : question(&question) {}
     htl::status CallValueTypeTrait(void* value) override;
+    /// The answer; false until the trait was called.
     bool Result() const noexcept { return result; }
 
 private:

@@ -13,6 +13,7 @@ namespace zo {
 /// Sub-names: "Len" is the length as a node; a name that begins with a digit is an index from 0; "At(n)" counts from 1.
 class ZO_API ZOArray : public IZO {
 public:
+    /// As `IZO`, without an owner id.
     ZOArray(std::size_t regID, ZOSet* owner);
 
     using IZO::Get;
@@ -53,8 +54,10 @@ public:
 /// The detached form of an array: a length. Elements are fresh defaults until a set holds them.
 class ZO_API ZOArrayClone : public ZOArray {
 public:
+    /// With as many elements; `fixedLen`: the length stays.
     ZOArrayClone(std::size_t regID, ZOSet* owner, bool fixedLen, std::size_t length);
 
+    /// Whether the length stays.
     bool IsFixedLen() const noexcept { return fixedLen; }
     /// `DefaultDataTraits()` for a node without a row.
     meta::MetaDataTraits GetDataTraits() const override;
@@ -86,8 +89,11 @@ public:
     ZOArrayWrapper(std::size_t regID, ZOSet* owner, htl::handle<ZOMemMgr> const& manager,
                    htl::handle<ZOMemMgr> const& childManager);
 
+    /// Who guards the memory that the container lies in; may be empty.
     htl::handle<ZOMemMgr> const& MemMgr() const noexcept { return Manager(); }
+    /// Who stands for the container and counts the views of its elements.
     htl::handle<ZOMemMgr> const& ChildMemMgr() const noexcept { return childManager; }
+    /// The traits of the container, by reference.
     meta::MetaDataTraits const& AccessTraits() const noexcept { return childManager->Traits(); }
 
     using ZOArray::Get;

@@ -16,6 +16,7 @@ namespace zo {
 /// A node that carries the description of its value type itself.
 class ZO_API ZOAccessTraits : public IZO {
 public:
+    /// With the traits that it has until it is registered.
     ZOAccessTraits(std::size_t regID, ZOSet* owner, meta::MetaDataTraits traits)
         : IZO(regID, owner, npos), traits(std::move(traits)) {}
 
@@ -37,7 +38,9 @@ template <class T>
 class ZO_API ZOAccessDataVMT : public ZOAccessTraits {
 public:
     using ZOAccessTraits::ZOAccessTraits;
+    /// The value now.
     virtual T GetData() const = 0;
+    /// Stores a value that was converted and checked.
     virtual htl::status SetData(T const& value) = 0;
 };
 
@@ -45,6 +48,7 @@ public:
 template <class T>
 class ZO_API IZOKind {
 public:
+    /// The value now.
     virtual T GetData() const = 0;
 
 protected:
@@ -59,6 +63,7 @@ template <class Data>
 struct DataOf;
 template <class T>
 struct DataOf<ZOAtomicData<T>> {
+    /// The value type.
     using type = T;
 };
 
@@ -70,11 +75,13 @@ struct DataOf<ZOAtomicData<T>> {
 template <class Access, class Data>
 class ZO_API ZOAtomicAccess : public Access, public IZOKind<typename DataOf<Data>::type> {
 public:
+    /// The value type.
     using T = typename DataOf<Data>::type;
     using Access::Access;
     using IZO::Get;
     using IZO::Set;
 
+    /// By the functions of the type.
     bool IsDefault() const override;
     htl::status Verify() const override;
     /// Stores the default, without comparison or check. A failed store is dropped.
@@ -94,6 +101,7 @@ public:
     htl::status Assign(H const& source) override;
 
 protected:
+    /// On a copy of the value, which is written back if it changed.
     htl::status CallValueTypeTrait(IZOAccessValueTypeTrait& trait) override;
 
 private:

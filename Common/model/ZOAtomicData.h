@@ -13,8 +13,10 @@ class ZO_API ZOAtomicData : public ZOAtomicAccess<ZOAccessDataVMT<T>, ZOAtomicDa
 public:
     /// With the default of the type. `traits` must describe an atomic type whose row is T.
     ZOAtomicData(std::size_t regID, ZOSet* owner, meta::MetaDataTraits const& traits);
+    /// With this value.
     ZOAtomicData(std::size_t regID, ZOSet* owner, meta::MetaDataTraits const& traits, T const& value);
 
+    /// The value held.
     T GetData() const override;
     /// Stores `value`; always succeeds.
     htl::status SetData(T const& value) override;
@@ -31,14 +33,17 @@ private:
 template <class Policy, class Access>
 class ZOAtomicCustom;
 
+/// For a policy over values of type T.
 template <class Policy, class T>
 class ZOAtomicCustom<Policy, ZOAccessDataVMT<T>> : public ZOAtomicAccess<ZOAccessDataVMT<T>, ZOAtomicData<T>> {
     using Base = ZOAtomicAccess<ZOAccessDataVMT<T>, ZOAtomicData<T>>;
 
 public:
+    /// `traits` must describe an atomic type whose row is T.
     ZOAtomicCustom(std::size_t regID, ZOSet* owner, meta::MetaDataTraits const& traits, Policy policy = {})
         : Base(regID, owner, traits), policy(std::move(policy)) {}
 
+    /// Through the policy.
     T GetData() const override { return policy.GetData(this); }
     htl::status SetData(T const& value) override { return policy.SetData(this, value); }
 
@@ -51,7 +56,9 @@ private:
 /// The array is found by the node's parent name. Without owner or array the length is 0 and a write fails with
 /// `not_supported("Len")`; so it is for a node without an entry, as while a document is read.
 struct ZO_API ZOArrayLenPolicy {
+    /// The length of the array of `node`.
     htl::UInt64 GetData(IZO const* node) const;
+    /// Resizes the array of `node`.
     htl::status SetData(IZO* node, htl::UInt64 const& length) const;
 };
 

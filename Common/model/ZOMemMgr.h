@@ -13,6 +13,7 @@ namespace zo {
 /// Counted by handles. Clients may derive their own; the library's is `ZOArrayMemMgr`.
 class ZO_API ZOMemMgr : public htl::handle_ref_counter {
 public:
+    /// `memory` is described by `traits` and stays the client's.
     ZOMemMgr(void* memory, meta::MetaDataTraits traits);
     ZOMemMgr(ZOMemMgr const&) = delete;
     ZOMemMgr& operator=(ZOMemMgr const&) = delete;
@@ -26,6 +27,7 @@ public:
     meta::MetaDataTraits const& Traits() const noexcept { return traits; }
     /// How many wrappers are built over the memory now.
     std::uint32_t WrapperCount() const noexcept { return wrapperCount; }
+    /// Counts one more.
     void AddWrapper() noexcept { ++wrapperCount; }
     /// Takes one away, unless the count is 0.
     void RemoveWrapper() noexcept {

@@ -42,10 +42,12 @@ private:
 /// A wrapper with the description of the wrapped type.
 class ZO_API ZOWrapperBase : public IZO, public IZOWrapper {
 public:
+    /// `memory` is described by `traits`; of a prototype it is the offset in the parent. `manager` may be empty.
     ZOWrapperBase(std::size_t regID, ZOSet* owner, meta::MetaDataTraits const& traits, void* memory,
                   htl::handle<ZOMemMgr> const& manager);
 
     meta::MetaDataTraits GetDataTraits() const override;
+    /// The traits of the wrapped type, by reference.
     meta::MetaDataTraits const& AccessTraits() const noexcept { return traits; }
     /// A registered prototype is undefined, since it has no memory.
     bool IsUndefined() const override;
@@ -68,6 +70,7 @@ private:
 /// The view of a structure: its members are views at their offsets.
 class ZO_API ZOWrapperStruct : public ZOWrapperBase {
 public:
+    /// As `ZOWrapperBase`.
     ZOWrapperStruct(std::size_t regID, ZOSet* owner, meta::MetaDataTraits const& traits, void* memory,
                     htl::handle<ZOMemMgr> const& manager);
 
@@ -86,6 +89,7 @@ protected:
 /// The detached form of a structure: identity alone. Its members are clones of their prototypes.
 class ZO_API ZOStructClone : public IZO {
 public:
+    /// Of the row `regID`.
     ZOStructClone(std::size_t regID, ZOSet* owner);
     IZO* Clone() override;
     IZO* EmptyClone() override;
@@ -100,12 +104,14 @@ class ZO_API ZOAccessWrapperValueType : public ZOWrapperBase {
 public:
     using ZOWrapperBase::ZOWrapperBase;
 
+    /// The value in memory. A prototype has none: asserted in debug builds.
     T GetData() const {
         assert_();
         T value{};
         this->AccessTraits().AsAtomic()->read(this->Memory(), &value);
         return value;
     }
+    /// Writes it to memory; always succeeds.
     htl::status SetData(T const& value) {
         assert_();
         this->AccessTraits().AsAtomic()->write(this->Memory(), &value);
@@ -141,6 +147,7 @@ class ZO_API ZOWrapperAtomicCustom : public ZOAtomicAccess<ZOAccessWrapperValueT
 
 public:
     using Base::Base;
+    /// The value in memory.
     T GetData() const override { return ZOAccessWrapperValueType<T>::GetData(); }
     IZO* RemapClone(void* memory, htl::handle<ZOMemMgr> const& manager) override;
     /// A registered prototype gives the default value.

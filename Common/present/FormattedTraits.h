@@ -16,6 +16,7 @@ namespace zo {
 /// says of value and node.
 class ZO_API ZOAccessUnitKindTrait : public IZOAccessValueTypeTrait {
 public:
+    /// What is called.
     using Function = std::function<hzn::units::Kind::Type(void const* value, IZO const* node)>;
 
     /// `function` may be empty; it is not copied and must live as long as the trait. `regID` is a row whose data
@@ -37,6 +38,7 @@ private:
 /// Formats a value into a text: calls the function with the value, the text, the format and the node.
 class ZO_API ZOAccessReadFormattedOutput : public IZOAccessValueTypeTrait {
 public:
+    /// What is called.
     using Function = std::function<htl::status(void const* value, std::wstring& text, int format, IZO const* node)>;
 
     /// All of them must outlive the trait. `format` is that of the type's functions: 1 abbreviated, 2 pretty.
@@ -55,6 +57,7 @@ private:
 /// Parses a text into a value: calls the function with the text, the value, the format and the node.
 class ZO_API ZOAcessWriteFormattedOutput : public IZOAccessValueTypeTrait {
 public:
+    /// What is called.
     using Function = std::function<htl::status(std::wstring const& text, void* value, int format, IZO const* node)>;
 
     /// All of them must outlive the trait.

@@ -18,9 +18,11 @@ class ZOFunction;
 template <class R, class... A>
 class ZO_API ZOFunction<R(A...)> : public IZO, public IZOKind<std::function<R(A...)>> {
 public:
+    /// Of a row, or of none.
     explicit ZOFunction(std::function<R(A...)> function, std::size_t regID = npos, ZOSet* owner = nullptr)
         : IZO(regID, owner, npos), function(std::move(function)) {}
 
+    /// A copy of the function.
     std::function<R(A...)> GetData() const override { return function; }
     /// The function itself, valid as long as the node.
     std::function<R(A...)> const& Function() const noexcept { return function; }

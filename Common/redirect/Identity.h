@@ -11,7 +11,9 @@
 
 namespace zo {
 
+/// How an identifier is given.
 struct Link {
+    /// Which of the two ways.
     enum Type {
         AsStored = 0, ///< the identifier as it stands
         Packed = 1    ///< packed with the enclosing container, where it isn't fully qualified

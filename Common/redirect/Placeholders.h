@@ -19,8 +19,8 @@ public:
     /// Called last on every node that is handed out below a placeholder, when its integers are in place.
     virtual void InitializeContext();
 
-    unsigned int count = 0;
-    int values[7] = {};
+    unsigned int count = 0; ///< of those inherited
+    int values[7] = {};     ///< elements count from 1
 
 protected:
     PlaceholderContext() = default;
@@ -34,6 +34,7 @@ protected:
 /// value whose own store has an object is bound to that object.
 class ZO_API ZOPlaceholder : public IZO, public PlaceholderContext {
 public:
+    /// The integers are as in `PlaceholderContext`.
     ZOPlaceholder(std::size_t regID, ZOSet* owner, unsigned int count, int const (&values)[6], int const& own);
 
     /// A static structure descriptor.
@@ -48,7 +49,9 @@ protected:
 /// A prototype of a computed array. Its length is what the function says; it can't be changed.
 class ZO_API ZOPlaceholderArray : public ZOArray, public PlaceholderContext {
 public:
+    /// Says the length of an array.
     using LengthFunction = std::size_t (*)(ZOPlaceholderArray const*);
+    /// `length` must not be null. The integers are as in `PlaceholderContext`.
     ZOPlaceholderArray(std::size_t regID, ZOSet* owner, LengthFunction length, unsigned int count,
                        int const (&values)[6], int const& own);
 
@@ -73,6 +76,7 @@ private:
 /// Stands in for a parent that nobody registered. It has no data; its children decide what is saved.
 class ZO_API ZOParentPlaceholder : public IZO {
 public:
+    /// Of the row `regID`.
     ZOParentPlaceholder(std::size_t regID, ZOSet* owner);
 
     /// Clears every child whose store is available.

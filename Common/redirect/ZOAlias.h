@@ -27,6 +27,7 @@ namespace zo {
 /// and writes, reads, `Assign` and a resize fail with `not_found` and the redirect name.
 class ZO_API ZOAliasBase : public IZO, public ZORedirect {
 public:
+    /// As `IZO`, without an owner id.
     ZOAliasBase(std::size_t regID, ZOSet* owner);
     /// The copy has the same row and owner, no owner id, and keeps nothing.
     ZOAliasBase(ZOAliasBase const& other);
@@ -94,9 +95,11 @@ private:
 /// An alias by full name.
 class ZO_API ZOAlias : public ZOAliasBase {
 public:
+    /// `source` is the full name, which need not lead anywhere.
     ZOAlias(std::string const& source, std::size_t regID, ZOSet* owner);
     ZOAlias(ZOAlias const& other);
 
+    /// The full name of the source.
     std::string const& SrcName() const noexcept { return source; }
     std::string RedirectName() const override;
     H Redirect() const override;
@@ -109,8 +112,8 @@ protected:
     void OnInvalidateMemory() override;
     H* Kept() noexcept override;
 
-    std::string source;
-    H kept;
+    std::string source; ///< its full name
+    H kept;             ///< the source, from its first use; empty for none
 };
 
 /// An alias by full name that looks its source up once.
@@ -127,9 +130,11 @@ protected:
 /// What aliases by tag share.
 class ZO_API ZOAliasByTag : public ZOAliasBase {
 public:
+    /// `source` is the tag path, which need not lead anywhere.
     ZOAliasByTag(std::wstring const& source, std::size_t regID, ZOSet* owner);
     ZOAliasByTag(ZOAliasByTag const& other);
 
+    /// The tag path of the source.
     std::wstring const& SrcTag() const noexcept { return source; }
     /// The alias's own name: its source has none that doesn't change.
     std::string RedirectName() const override;
@@ -143,8 +148,8 @@ protected:
     /// The node that the source tag leads to now; not asked for an empty one.
     virtual H Lookup() const = 0;
 
-    std::wstring source;
-    H kept;
+    std::wstring source; ///< its tag path
+    H kept;              ///< the source, from its first use; empty for none
 };
 
 /// An alias by tag path from the top, with indices from 1.

@@ -29,6 +29,7 @@ public:
 /// A derived class says where the link leads: by `RedirectName`, or by its own `Redirect`.
 class ZO_API ZOWrapperLinkBase : public ZOWrapperBase, public ZOLink {
 public:
+    /// As `ZOWrapperBase`.
     ZOWrapperLinkBase(std::size_t regID, ZOSet* owner, meta::MetaDataTraits const& traits, void* memory,
                       htl::handle<ZOMemMgr> const& manager);
     ZOWrapperLinkBase(ZOWrapperLinkBase const& other);
@@ -62,13 +63,15 @@ public:
     ZOAccessLink(std::size_t regID, ZOSet* owner, meta::MetaDataTraits const& traits, void* memory,
                  htl::handle<ZOMemMgr> const& manager, htl::handle<RecordNames const> names);
 
+    /// The number in memory.
     T GetData() const;
+    /// Writes it to memory; always succeeds.
     htl::status SetData(T const& value);
     /// The name of the record that the value refers to; "" for no record.
     std::string RedirectName() const override;
 
 protected:
-    htl::handle<RecordNames const> names;
+    htl::handle<RecordNames const> names; ///< may be empty
 };
 
 /// A link field over client memory that holds the record's number: a value node like any other, and the record's door.
@@ -79,6 +82,7 @@ class ZO_API ZOWrapperLink final : public ZOAtomicAccess<ZOAccessLink<T>, ZOAtom
 
 public:
     using Base::Base;
+    /// The number in memory.
     T GetData() const override { return ZOAccessLink<T>::GetData(); }
     IZO* RemapClone(void* memory, htl::handle<ZOMemMgr> const& manager) override;
     /// A registered prototype gives the default value.

@@ -23,6 +23,7 @@ public:
     std::string const& Name() const noexcept { return name; }
 
 protected:
+    /// Of the branch with this name.
     explicit IODS(std::string name);
 
 private:
@@ -32,6 +33,7 @@ private:
 /// A store that only names a branch.
 class ZO_API ODSName : public IODS {
 public:
+    /// `available` is what the store answers.
     explicit ODSName(std::string name, bool available = true);
     /// Never.
     bool IsActiveDataStore() const override;

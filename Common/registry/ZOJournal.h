@@ -19,18 +19,20 @@ namespace zo {
 /// were handed to `Cover`. What a client's setter changes elsewhere is not known to a commit: cover it.
 class ZO_API ZOJournal {
 public:
+    /// One name that a commit assigned.
     struct Entry {
+        /// What the text is.
         enum Kind {
             Value,  ///< text is the value's
             Length, ///< text is the number of elements
             Keyed   ///< the same, of a container that is sorted by keys: it is emptied before its elements come back
         };
-        std::string name;
-        std::wstring before;
-        std::wstring after;
-        Kind kind = Value;
+        std::string name;          ///< in full
+        std::wstring before;       ///< the text before the commit
+        std::wstring after;        ///< and after it
+        Kind kind = Value;         ///< of both texts
         bool existedBefore = true; ///< there was a node of this name
-        bool existsAfter = true;
+        bool existsAfter = true;   ///< there is one after it
 
         friend bool operator==(Entry const&, Entry const&) = default;
     };
@@ -41,7 +43,9 @@ public:
 
     /// In the order of names, in which values are written back.
     std::vector<Entry> const& Entries() const noexcept { return entries; }
+    /// Whether there are no entries.
     bool IsEmpty() const noexcept { return entries.empty(); }
+    /// Drops all entries; what is covered stays.
     void Clear();
 
     /// Writes all texts from before back to `set`, the set that was committed to. Values are not checked: an old value

@@ -78,14 +78,17 @@ public:
     ZORegistryIterator begin();
     ZORegistryIterator end();
 
+    /// The columns, for the library's own use.
     ZORegistryImpl* Tables() const noexcept;
 };
 
 /// A position in the walk over all live nodes of a registry.
 class ZO_API ZORegistryIterator {
 public:
+    /// The node here; asked at the end only by mistake.
     H const& operator*() const { return levels.back().current; }
     IZO* operator->() const { return levels.back().current.get(); }
+    /// Steps to the next node.
     ZORegistryIterator& operator++();
     friend bool operator==(ZORegistryIterator const& a, ZORegistryIterator const& b) {
         return a.Current_() == b.Current_();
@@ -107,7 +110,9 @@ struct ZO_API ZOTypeTemplate {
     static IZO* Lookup(std::type_info const& type);
 
 protected:
+    /// What is asked of the table of types.
     enum AccessType { RegisterAccess = 0, LookupAccess = 1 };
+    /// Reads or writes the entry of a type.
     static void Access_(std::type_info const& type, IZO*& node, AccessType access);
 };
 
@@ -140,6 +145,7 @@ ZO_API void ValidateMetaData(std::type_info const& type, meta::MetaDataTraits co
 /// The root of a registry's tree: row 0.
 class ZO_API ZORoot : public zo::IZO {
 public:
+    /// Made with its registry.
     explicit ZORoot(zo::ZOSet* owner);
     /// Tells every top-level node that memory moved, then clears the branches that are available and active, looking
     /// through made parents.

@@ -74,8 +74,8 @@ protected:
     ZOSet(std::unique_ptr<ZOSetImpl> impl, htl::handle<ZOSet> source, htl::handle<ZOSet> base);
 
     std::unique_ptr<ZOSetImpl> impl;
-    htl::handle<ZOSet> source;
-    htl::handle<ZOSet> base;
+    htl::handle<ZOSet> source; ///< what is read from; may be empty
+    htl::handle<ZOSet> base;   ///< what is committed to; may be empty
 
 private:
     impl::SetAnchor* anchor;

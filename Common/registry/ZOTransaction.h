@@ -61,8 +61,8 @@ public:
     /// again.
     void Rollback();
 
-    static constexpr std::size_t mostComponents = 4096;
-    static constexpr std::size_t longestName = 65536;
+    static constexpr std::size_t mostComponents = 4096; ///< of a name that can be staged
+    static constexpr std::size_t longestName = 65536;   ///< in bytes
 
 private:
     struct Step;

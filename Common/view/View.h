@@ -19,8 +19,11 @@ using ZOFwrdViewIterator = impl::ZOFwrdViewIterator;
 /// The view children of a node, for a range `for`.
 class ZO_API Children {
 public:
+    /// Of `node` as a query sees it.
     Children(H node, int query) : node(std::move(node)), query(query) {}
+    /// The first child, or the end.
     ZOFwrdViewIterator begin() const { return {node, query}; }
+    /// Behind the last child.
     ZOFwrdViewIterator end() const { return {}; }
 
 private:
@@ -52,9 +55,9 @@ ZO_API H FindTag(std::wstring const& tag, int query);
 
 /// A node, the label of the pattern that it was found by, and the pieces of its name.
 struct ZONameParts {
-    H node;
-    std::wstring label;
-    std::vector<NameParts> parts;
+    H node;                       ///< that was found
+    std::wstring label;           ///< of the pattern, with indices in place
+    std::vector<NameParts> parts; ///< of its name
 };
 /// Expands pairs of pattern and label into the nodes that they name.
 ///

@@ -61,11 +61,13 @@ public:
     /// digits for a number up to `maxDeclaredRows` counts as 0: rows are read all the same.
     void Attribute(XmlAttribute const& item) override;
 
+    /// The name that it was made with.
     std::wstring const& Name() const noexcept { return name; }
     /// The row that is being read, or was read last; -1 before the first.
     std::ptrdiff_t CurrentRow() const noexcept { return row; }
     /// The declared row count, 0 if there was none.
     std::size_t DeclaredRows() const noexcept { return declaredRows; }
+    /// Who reads the rows.
     htl::handle<XmlArrayElementReader> const& ElementReader() const noexcept { return element; }
 
 private:
@@ -95,7 +97,9 @@ public:
     /// Makes all rows empty and their number the declared one.
     void ArrayLengthKnown() override;
 
+    /// Of the list.
     std::size_t ColumnCount() const noexcept { return columnCount; }
+    /// Those declared or those there, if these are more.
     std::size_t RowCount() const noexcept;
     /// The text of a cell, empty where the document has none and outside of the table. Columns count from 0 in the
     /// order of the list. Valid until the reader gets more rows.
