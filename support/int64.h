@@ -12,6 +12,7 @@
 
 namespace htl {
 
+/// 64 bits, and a type of its own beside long.
 using Int64 = __int64;
 using UInt64 = unsigned __int64;
 

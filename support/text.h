@@ -12,6 +12,7 @@
 
 namespace str {
 
+/// UTF-8 with its own type.
 using u8string = std::u8string;
 
 /// Widens UTF-8. A byte that belongs to no well-formed sequence becomes U+FFFD; nothing fails.

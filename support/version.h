@@ -57,6 +57,7 @@ ZO_API double Encode(NumberKind<0> const& version);
 
 namespace str {
 
+/// The text of a version: "12.03", "11.2.0.4711".
 ZO_API std::wstring as_wstring(hzn::version::NumberKind<0> const& version);
 ZO_API std::wstring as_wstring(hzn::version::NumberKind<1> const& version);
 

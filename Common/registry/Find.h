@@ -10,6 +10,7 @@
 
 namespace zo {
 
+/// The live node under a full name: "Soils[3].Cohesion", indices from 0. Empty if the name leads nowhere.
 ZO_API H Find(std::string const& name);
 /// Through `ZOSet::FormName`: `Find("Soils[$1].Cohesion", 3)`.
 ZO_API H Find(std::string const& name, int a, int b = -1, int c = -1);
@@ -19,6 +20,8 @@ ZO_API H Find(ZOArray* array, std::size_t index);
 /// A position at `child` in the walk over `parent`, told by row and sub-name; the end if it isn't there.
 ZO_API ZOFwrdIterator Find(H const& parent, H const& child);
 
+/// The live node under a tag path, from the top or from a node; indices count from 1. Empty if it leads nowhere. Narrow
+/// text is UTF-8.
 ZO_API H FindTag(std::wstring const& tag);
 ZO_API H FindTag(std::string const& tag);
 ZO_API H FindTag(H const& node, std::wstring const& tag);

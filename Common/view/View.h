@@ -14,6 +14,7 @@
 
 namespace zo::view {
 
+/// A position in a walk over what people see below a node.
 using ZOFwrdViewIterator = impl::ZOFwrdViewIterator;
 
 /// The view children of a node, for a range `for`.
