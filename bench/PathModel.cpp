@@ -66,10 +66,4 @@ std::vector<PathLeaf> ShuffledLeaves(PathModel& model) {
     return leaves;
 }
 
-std::unordered_map<std::string, double*> LeavesByName(std::vector<PathLeaf> const& leaves) {
-    std::unordered_map<std::string, double*> byName;
-    for (PathLeaf const& leaf : leaves) byName.emplace(leaf.name, leaf.value);
-    return byName;
-}
-
 } // namespace bench

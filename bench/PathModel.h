@@ -4,7 +4,6 @@
 #include <array>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace bench {
@@ -34,6 +33,5 @@ struct PathLeaf {
 
 /// All leaves in a random order that is the same in every run.
 std::vector<PathLeaf> ShuffledLeaves(PathModel& model);
-std::unordered_map<std::string, double*> LeavesByName(std::vector<PathLeaf> const& leaves);
 
 } // namespace bench

@@ -29,13 +29,17 @@ inline zo::H Array(std::size_t offset, meta::MetaDataTraits const& traits) {
     return zo::H(new zo::ZOArrayWrapper(zo::IZO::npos, nullptr, {}, manager));
 }
 
-/// Makes a registry current for as long as it lives. The registry itself stays: persist trees keep it.
+/// Makes a registry current for as long as it lives, or until another one is. The registry itself stays: persist trees
+/// keep it.
 class CurrentRegistry {
 public:
     CurrentRegistry() : registry(new zo::ZORegistry), before(zo::ZORegistry::SetInstance(registry.get())) {}
     CurrentRegistry(CurrentRegistry const&) = delete;
     CurrentRegistry& operator=(CurrentRegistry const&) = delete;
     ~CurrentRegistry() { zo::ZORegistry::SetInstance(before); }
+
+    /// Makes it current again, after others.
+    void Select() { zo::ZORegistry::SetInstance(registry.get()); }
 
 private:
     htl::handle<zo::ZORegistry> registry;
