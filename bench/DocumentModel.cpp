@@ -40,6 +40,11 @@ Project MakeProject(std::size_t megabytes) {
             project.regions[i].indices.push_back(
                 static_cast<int>((i * 131 + static_cast<std::size_t>(k) * 7919) % project.points.size()));
     }
+    project.reports.resize(megabytes);
+    for (std::size_t i = 0; i < project.reports.size(); ++i)
+        for (int line = 1; project.reports[i].size() < 32000; ++line)
+            project.reports[i] += L"Borehole " + std::to_wstring(i + 1) + L", sample " + std::to_wstring(line) +
+                                  L": silty clay, \u03c6 > 20\u00b0 & w < 0.3, soft\n";
     return project;
 }
 
@@ -67,11 +72,14 @@ void RegisterProject(Project& project) {
                                    .Member(&Region::indices, [] { return indices; })
                                    .Build();
     static auto const regions = meta::ArrayTraits<std::vector<Region>>([] { return region; });
+    static auto const reports =
+        meta::ArrayTraits<std::vector<std::wstring>>([] { return AtomicTraits<std::wstring>(); });
     static auto const whole = meta::StructureBuilder<Project>()
                                   .Member(&Project::title, [] { return AtomicTraits<std::wstring>(); })
                                   .Member(&Project::materials, [] { return materials; })
                                   .Member(&Project::points, [] { return points; })
                                   .Member(&Project::regions, [] { return regions; })
+                                  .Member(&Project::reports, [] { return reports; })
                                   .Build();
     constexpr auto always = MetaPersistTraits::Always;
     auto const value = []<class T, class S>(char const* name, wchar_t const* tag, T S::*member) {
@@ -104,6 +112,9 @@ void RegisterProject(Project& project) {
     Row("Project.Regions.[].Indices", Array(meta::OffsetOf(&Region::indices), indices), {always, L"Indices", true},
         indices);
     Row("Project.Regions.[].Indices.[]", Value<int>(0), {always, L"Index"}, AtomicTraits<int>());
+
+    Row("Project.Reports", Array(meta::OffsetOf(&Project::reports), reports), {always, L"Reports[Report]"}, reports);
+    Row("Project.Reports.[]", Value<std::wstring>(0), {always, L"Report"}, AtomicTraits<std::wstring>());
     zo::ZORegistry::Instance()->OnPostRegistration();
 }
 

@@ -25,6 +25,9 @@ void BM_Register(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(BM_Register)->Arg(5000)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+// Fixed, since registries stay.
+BENCHMARK(BM_Register)->Arg(5000)->Iterations(32)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Register)->Arg(20000)->Iterations(8)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Register)->Arg(80000)->Iterations(2)->Unit(benchmark::kMillisecond);
 
 } // namespace
