@@ -82,13 +82,14 @@ BENCHMARK(BM_ParseEmptyHandlers)->Arg(1)->Arg(20)->Arg(100)->Unit(benchmark::kMi
 
 void BM_LoadFile(benchmark::State& state) {
     Document const& document = OfSize(state);
-    std::size_t const points = document.project.points.size();
+    bench::Project const saved = document.project;
     for (auto _ : state) {
         std::vector<htl::status> errors;
         if (zo::xml::FileRead(document.path.wstring(), errors, {}, zo::xml::impl::UnknownAreErrors(), {}).IsError() ||
-            !errors.empty() || document.project.points.size() != points)
+            !errors.empty() || document.project.points.size() != saved.points.size())
             state.SkipWithError("load failed");
     }
+    if (document.project != saved) state.SkipWithError("read otherwise than it was written");
     state.SetBytesProcessed(state.iterations() * document.bytes);
 }
 BENCHMARK(BM_LoadFile)->Arg(1)->Arg(20)->Arg(100)->Unit(benchmark::kMillisecond);

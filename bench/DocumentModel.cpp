@@ -114,7 +114,7 @@ void RegisterProject(Project& project) {
     Row("Project.Regions.[].Indices.[]", Value<int>(0), {always, L"Index"}, AtomicTraits<int>());
 
     Row("Project.Reports", Array(meta::OffsetOf(&Project::reports), reports), {always, L"Reports[Report]"}, reports);
-    Row("Project.Reports.[]", Value<std::wstring>(0), {always, L"Report"}, AtomicTraits<std::wstring>());
+    Row("Project.Reports.[]", Value<std::wstring>(0), {always, L"Report", true}, AtomicTraits<std::wstring>());
     zo::ZORegistry::Instance()->OnPostRegistration();
 }
 
