@@ -44,6 +44,16 @@ struct Yard {
     std::deque<Tank> tanks;
     double limits[2] = {};
 };
+/// Member by member: of temporary aggregates g++ 12 warns in optimised builds.
+Yard YardOf(double width, Tank const& main, std::deque<Tank> const& tanks, double limit) {
+    Yard yard;
+    yard.width = width;
+    yard.main = main;
+    yard.tanks = tanks;
+    yard.limits[0] = limit;
+    yard.limits[1] = limit + 10;
+    return yard;
+}
 struct Site {
     double height = 0;
     Yard yard;
@@ -198,10 +208,10 @@ class StepwiseFindTest : public rows::RegistryTest {
 protected:
     StepwiseFindTest() {
         AddSite();
-        site.yard = {30, {2.5, {1, 2}}, {{3.5, {}}, {4.5, {7}}}, {10, 20}};
-        site.yards = {{31, {1.5, {9, 8, 7}}, {}, {11, 21}}, {32, {0.5, {}}, {{5.5, {6}}}, {12, 22}}};
+        site.yard = YardOf(30, {2.5, {1, 2}}, {{3.5, {}}, {4.5, {7}}}, 10);
+        site.yards = {YardOf(31, {1.5, {9, 8, 7}}, {}, 11), YardOf(32, {0.5, {}}, {{5.5, {6}}}, 12)};
         site.grid = {{1, 2, 3}, {}, {4}};
-        site.guarded = {33, {6.5, {3}}, {{7.5, {}}}, {13, 23}};
+        site.guarded = YardOf(33, {6.5, {3}}, {{7.5, {}}}, 13);
         site.log = {{1, {}}, {2, {5}}, {3, {}}};
         site.gauges = {{101, "crest", {12, {1}}}, {7, "toe", {3, {}}}};
         site.slots = {Tank{8, {2, 4}}, std::nullopt, Tank{9, {}}};
