@@ -12,6 +12,10 @@ function(zo_compile_options target)
                                                  -fno-omit-frame-pointer -g1)
         target_link_options(${target} PRIVATE -fsanitize=${ZO_SANITIZE})
     endif()
+    if(ZO_COVERAGE)
+        target_compile_options(${target} PRIVATE -fprofile-instr-generate -fcoverage-mapping)
+        target_link_options(${target} PRIVATE -fprofile-instr-generate)
+    endif()
 endfunction()
 
 # A GoogleTest binary: zo_test(name sources...). It links the shared library, as an application does.
