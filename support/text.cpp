@@ -71,6 +71,18 @@ private:
     std::uint32_t trail = 0;
 };
 
+// How many units at the beginning of `text` are below the surrogates, short of the last of them by less than a step.
+std::size_t RunBelowSurrogates(std::wstring_view text) noexcept {
+    constexpr std::size_t step = 32;
+    std::size_t run = 0;
+    for (; text.size() - run >= step; run += step) {
+        bool other = false;
+        for (std::size_t i = 0; i < step; ++i) other |= static_cast<std::uint32_t>(text[run + i]) >= 0xD800;
+        if (other) break;
+    }
+    return run;
+}
+
 template <class V>
 V TrimView(V text) noexcept {
     while (!text.empty() && IsBlank(static_cast<wchar_t>(text.front()))) text.remove_prefix(1);
@@ -136,25 +148,51 @@ void AssignWide(std::wstring& out, std::string_view text) {
 }
 
 htl::status as_utf16le(std::wstring_view text, std::vector<unsigned char>& out) {
-    constexpr unsigned unfitCharacter = 90012;
     out.clear();
-    out.reserve(2 * text.size());
-    auto const append = [&out](std::uint32_t unit) {
-        out.push_back(static_cast<unsigned char>(unit & 0xFF));
-        out.push_back(static_cast<unsigned char>(unit >> 8));
+    if (htl::status failure = CheckCodePoints(text); failure.IsError()) return failure;
+    auto const pairs = std::ranges::count_if(text, [](wchar_t c) { return static_cast<char32_t>(c) >= 0x10000; });
+    out.resize(2 * (text.size() + static_cast<std::size_t>(pairs)));
+    EncodeUtf16le({reinterpret_cast<char*>(out.data()), out.size()}, text);
+    return htl::status::Success;
+}
+
+std::size_t EncodeUtf16le(std::span<char> out, std::wstring_view& text) noexcept {
+    char* to = out.data();
+    char* const end = to + out.size();
+    auto const append = [&to](std::uint32_t unit) {
+        *to++ = static_cast<char>(unit & 0xFF);
+        *to++ = static_cast<char>(unit >> 8);
     };
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        auto const c = static_cast<char32_t>(text[i]);
-        if (!IsCodePoint(c)) {
-            out.clear();
-            return htl::status(unfitCharacter, i + 1);
-        }
+    auto const* from = text.data();
+    auto const* const last = from + text.size();
+    while (from != last) {
+        // Most text is far from surrogates: as many units as fit, one for each character.
+        auto const room = std::min(static_cast<std::size_t>(end - to) / 2, static_cast<std::size_t>(last - from));
+        std::size_t const run = RunBelowSurrogates({from, room});
+        for (std::size_t i = 0; i < run; ++i) append(static_cast<std::uint32_t>(from[i]));
+        from += run;
+        if (from == last || end - to < 2) break;
+        auto c = static_cast<char32_t>(*from);
+        if (!IsCodePoint(c)) c = replacement;
         if (c < 0x10000) {
             append(c);
         } else {
+            if (end - to < 4) break;
             append(0xD7C0 + (c >> 10));
             append(0xDC00 + (c & 0x3FF));
         }
+        ++from;
+    }
+    text.remove_prefix(static_cast<std::size_t>(from - text.data()));
+    return static_cast<std::size_t>(to - out.data());
+}
+
+htl::status CheckCodePoints(std::wstring_view text) {
+    constexpr unsigned unfitCharacter = 90012;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        at += RunBelowSurrogates(text.substr(at));
+        if (at < text.size() && !IsCodePoint(static_cast<char32_t>(text[at])))
+            return htl::status(unfitCharacter, at + 1);
     }
     return htl::status::Success;
 }

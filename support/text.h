@@ -5,6 +5,7 @@
 #include "support/status.h"
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -34,6 +35,13 @@ ZO_API void AssignWide(std::wstring& out, std::string_view text);
 /// Encodes to UTF-16, low byte first, without a mark.
 /// Failure: a lone surrogate or a unit above 0x10FFFF (message 90012 with its position from 1); `out` is then empty.
 ZO_API htl::status as_utf16le(std::wstring_view text, std::vector<unsigned char>& out);
+
+/// Encodes in the same form what fits into `out` from the beginning of `text`, and moves `text` behind it; the number
+/// of bytes. A unit that is no code point becomes U+FFFD. With less than four bytes of room nothing may be taken.
+ZO_API std::size_t EncodeUtf16le(std::span<char> out, std::wstring_view& text) noexcept;
+
+/// Whether a document can carry the text: success, or the failure of `as_utf16le`.
+ZO_API htl::status CheckCodePoints(std::wstring_view text);
 
 /// Order by UTF-16 code units, a shorter text before a longer one with the same beginning: negative, 0 or positive.
 ///

@@ -5,7 +5,6 @@
 #include "Common/xml/ElemReader.h"
 #include "Common/xml/EmptyArrays.h"
 
-#include "support/text.h"
 #include "support/xml/XmlFile.h"
 
 #include <filesystem>
@@ -87,12 +86,8 @@ htl::status StringRead(std::wstring const& text, std::vector<htl::status>& error
 
 htl::status StringImport(std::wstring const& text, std::vector<htl::status>& errors, Filter const& filter, ZOSet* set,
                          UnknownHandler const& handler, TagPolicy const& policy) {
-    auto const parse = [&](Reader const& reader) {
-        std::vector<unsigned char> bytes;
-        if (htl::status failure = str::as_utf16le(text, bytes); failure.IsError()) return failure;
-        return sys::file::XmlStringRead(bytes, reader);
-    };
-    return Load(parse, text.size(), errors, filter, set, handler, policy);
+    return Load([&](Reader const& reader) { return sys::file::XmlTextRead(text, reader); }, text.size(), errors, filter,
+                set, handler, policy);
 }
 
 } // namespace zo::xml

@@ -6,10 +6,9 @@
 #include "Common/xml/ElemWriter.h"
 #include "Common/xml/PersistTree.h"
 
-#include "support/text.h"
 #include "support/xml/XmlFile.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <limits>
 #include <stdexcept>
 
@@ -39,17 +38,10 @@ htl::status StringWrite(std::wstring& text, hzn::version::NumberKind<0> const& v
     auto const roots = impl::PersistRoots(true);
     TrackingSuspension const suspended(*ZORegistry::Instance()->Impl());
 
+    // The document takes memory as it grows, so there is nothing to set aside.
     if (reserve > static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()))
         throw std::length_error("vector too long");
-    std::vector<unsigned char> bytes;
-    bytes.reserve(reserve);
-
-    auto const writer = MakeWriter(roots, version, filter);
-    if (htl::status failure = sys::file::XmlStringWrite(bytes, writer); failure.IsError()) return failure;
-    str::AssignWide(text, std::string_view(reinterpret_cast<char const*>(bytes.data()), bytes.size()));
-    // Values can't hold these characters: the writer escapes quotes in text, too.
-    str::replace_all(text, L"encoding=\"UTF-8\"", L"encoding=\"UTF-16\"");
-    return {};
+    return sys::file::XmlTextWrite(text, MakeWriter(roots, version, filter));
 }
 
 std::wstring TransformForWriteFilterList(H const& node) {

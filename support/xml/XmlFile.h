@@ -30,6 +30,11 @@ namespace sys::file {
 [[nodiscard]] ZO_API htl::status XmlStringRead(std::vector<unsigned char> const& document,
                                                htl::handle<XmlElemReader> const& reader);
 
+/// The same for a document in wide text, which is parsed as UTF-16 without a mark, so its declaration names that or no
+/// encoding. Nothing is copied but one block at a time.
+/// Failure: further message 90012 if the text holds what is no code point; nothing is read then.
+[[nodiscard]] ZO_API htl::status XmlTextRead(std::wstring_view document, htl::handle<XmlElemReader> const& reader);
+
 /// Writes a document into a file, as UTF-8 without a mark, two blanks of indentation a level, lines ended by a line
 /// feed. `writer` stands for the document element.
 ///
@@ -44,6 +49,12 @@ namespace sys::file {
 /// Failure: message 90010 as above.
 [[nodiscard]] ZO_API htl::status XmlStringWrite(std::vector<unsigned char>& document,
                                                 htl::handle<XmlElemWriter> const& writer);
+
+/// Replaces `document` by the same document in wide text, whose declaration names UTF-16; empty after a failure or an
+/// exception. The text is allocated once, when its length is known; until then the document is held in UTF-8, and never
+/// both in whole.
+/// Failure: message 90010 as above.
+[[nodiscard]] ZO_API htl::status XmlTextWrite(std::wstring& document, htl::handle<XmlElemWriter> const& writer);
 
 /// Whether `name` can be the name of an element or attribute: whether the parser would accept it. That is a name by the
 /// first four editions of XML 1.0, so characters above U+FFFF and scripts that came later are refused. Colons count

@@ -1,4 +1,5 @@
 // Documents into readers: the stack of open elements, their text and where the bytes come from.
+#include "support/xml/Widen.h"
 #include "support/xml/XmlFile.h"
 #include "support/xml/XmlParser.h"
 
@@ -23,40 +24,9 @@ constexpr unsigned cannotOpen = 90001;
 // Texts longer than this give their memory back when their element ends, so that depth alone holds memory.
 constexpr std::size_t keptTextLength = 16 * 1024;
 
-// Appends well-formed UTF-8, whole characters.
-void AppendWide(std::wstring& out, char const* text, std::size_t length) {
-    std::size_t const before = out.size();
-    out.resize(before + length); // no character has fewer bytes than one
-    wchar_t* to = out.data() + before;
-    auto const* from = reinterpret_cast<unsigned char const*>(text);
-    auto const* const end = from + length;
-    while (from != end) {
-        // Most text is ASCII: eight characters at a time as long as no byte has its top bit set.
-        while (end - from >= 8) {
-            std::uint64_t word;
-            std::memcpy(&word, from, 8);
-            if ((word & 0x8080808080808080u) != 0) break;
-            for (int i = 0; i < 8; ++i) to[i] = from[i];
-            to += 8;
-            from += 8;
-        }
-        if (from == end) break;
-        unsigned const lead = *from++;
-        if (lead < 0x80) {
-            *to++ = static_cast<wchar_t>(lead);
-            continue;
-        }
-        int const more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-        unsigned code = lead & (0x3Fu >> more);
-        for (int i = 0; i < more && from != end; ++i) code = (code << 6) | (*from++ & 0x3Fu);
-        *to++ = static_cast<wchar_t>(code);
-    }
-    out.resize(static_cast<std::size_t>(to - out.data()));
-}
-
 void AssignWide(std::wstring& out, char const* text) {
     out.clear();
-    AppendWide(out, text, std::strlen(text));
+    AppendWide(out, text);
 }
 
 // The text of one open element.
@@ -67,7 +37,7 @@ class ElementText {
 public:
     void Append(char const* data, std::size_t length, bool layout) {
         if (significant) {
-            AppendWide(text, data, length);
+            AppendWide(text, {data, length});
         } else if (layout) {
             if (length != 0 && data[0] == '\n') EndLine_();
             line.append(data, length);
@@ -75,7 +45,7 @@ public:
             significant = true;
             EndLine_();
             EndRepeats_();
-            AppendWide(text, data, length);
+            AppendWide(text, {data, length});
         }
     }
 
@@ -196,6 +166,21 @@ private:
     int descriptor;
 };
 
+// Parses what `fill` puts into one block after the other: how much it used of the block, and whether that was the last.
+template <class Fill>
+htl::status ParseBlocks(htl::handle<XmlElemReader> const& reader, Fill const& fill) {
+    Driver driver(reader);
+    XmlParser parser(driver);
+    for (bool last = false; !last;) {
+        std::span<char> block;
+        std::size_t used = 0;
+        if (htl::status failure = parser.Block(block); failure.IsError()) return failure;
+        if (htl::status failure = fill(block, used, last); failure.IsError()) return failure;
+        if (htl::status failure = parser.Parse(used, last); failure.IsError()) return failure;
+    }
+    return {};
+}
+
 } // namespace
 
 htl::status XmlFileRead(std::wstring const& name, htl::handle<XmlElemReader> const& reader) {
@@ -205,33 +190,34 @@ htl::status XmlFileRead(std::wstring const& name, htl::handle<XmlElemReader> con
     InputFile file(path.c_str());
     if (!file.IsOpen()) return unreadable();
 
-    Driver driver(reader);
-    XmlParser parser(driver);
-    for (bool last = false; !last;) {
-        std::span<char> block;
-        if (htl::status failure = parser.Block(block); failure.IsError()) return failure;
-        std::ptrdiff_t const used = file.Read(block);
-        if (used < 0) return unreadable();
-        last = static_cast<std::size_t>(used) < block.size();
-        if (htl::status failure = parser.Parse(static_cast<std::size_t>(used), last); failure.IsError()) return failure;
-    }
-    return {};
+    return ParseBlocks(reader, [&](std::span<char> block, std::size_t& used, bool& last) {
+        std::ptrdiff_t const got = file.Read(block);
+        if (got < 0) return unreadable();
+        used = static_cast<std::size_t>(got);
+        last = used < block.size();
+        return htl::status();
+    });
 }
 
 htl::status XmlStringRead(std::vector<unsigned char> const& document, htl::handle<XmlElemReader> const& reader) {
-    Driver driver(reader);
-    XmlParser parser(driver);
     std::span<unsigned char const> rest = document;
-    for (bool last = false; !last;) {
-        std::span<char> block;
-        if (htl::status failure = parser.Block(block); failure.IsError()) return failure;
+    return ParseBlocks(reader, [&rest](std::span<char> block, std::size_t& used, bool& last) {
         auto const taken = rest.first(std::min(block.size(), rest.size()));
         std::ranges::copy(taken, block.begin());
         rest = rest.subspan(taken.size());
+        used = taken.size();
         last = rest.empty();
-        if (htl::status failure = parser.Parse(taken.size(), last); failure.IsError()) return failure;
-    }
-    return {};
+        return htl::status();
+    });
+}
+
+htl::status XmlTextRead(std::wstring_view document, htl::handle<XmlElemReader> const& reader) {
+    if (htl::status failure = str::CheckCodePoints(document); failure.IsError()) return failure;
+    return ParseBlocks(reader, [&document](std::span<char> block, std::size_t& used, bool& last) {
+        used = str::EncodeUtf16le(block, document);
+        last = document.empty();
+        return htl::status();
+    });
 }
 
 } // namespace sys::file

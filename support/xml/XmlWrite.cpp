@@ -1,15 +1,19 @@
 // Writers into documents: the stack of open elements, escaping and layout, and where the bytes go.
 #include "support/xml/AtomicFile.h"
+#include "support/xml/Widen.h"
 #include "support/xml/XmlFile.h"
 #include "support/xml/XmlParser.h"
 
 #include "support/text.h"
+
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace sys::file {
@@ -22,6 +26,7 @@ htl::status Refused(std::wstring const& reason) { return htl::status(cannotBeWri
 // Where the bytes of a document go.
 class Sink {
 public:
+    /// Whole characters, `xmlBlockSize` bytes at most.
     virtual htl::status Write(char const* data, std::size_t size) = 0;
 
 protected:
@@ -39,8 +44,8 @@ constexpr std::array<Form, 128> MakeForms(std::string_view referred) {
     return forms;
 }
 
-// The quotation mark is a reference in text too: the wide form of a document replaces encoding="UTF-8" wherever it
-// stands, so no value may hold these characters as such.
+// The quotation mark is a reference in text too, so that encoding="UTF-8" stands nowhere but in the declaration:
+// programs that pass documents on replace it as text.
 constexpr std::array<Form, 128> textForms = MakeForms("&<>\"\r");
 // The parser makes a blank of every literal tab and line feed in an attribute.
 constexpr std::array<Form, 128> attributeForms = MakeForms("&<>\"\r\t\n");
@@ -129,6 +134,13 @@ private:
     std::array<Entry, size> entries;
 };
 
+// How many bytes of `bytes`, `limit` at most, end with a whole character.
+std::size_t WholeCharacters(std::string_view bytes, std::size_t limit) noexcept {
+    if (bytes.size() <= limit) return bytes.size();
+    while (limit != 0 && (bytes[limit] & 0xC0) == 0x80) --limit;
+    return limit;
+}
+
 // Bytes on their way to a sink, and the characters of values turned into them.
 class Output {
 public:
@@ -136,8 +148,11 @@ public:
 
     void Bytes(std::string_view bytes) {
         while (!bytes.empty()) {
-            if (Room_() == 0) Flush();
-            std::size_t const taken = std::min(Room_(), bytes.size());
+            std::size_t const taken = WholeCharacters(bytes, Room_());
+            if (taken == 0) {
+                Flush();
+                continue;
+            }
             std::memcpy(block.get() + used, bytes.data(), taken);
             used += taken;
             bytes.remove_prefix(taken);
@@ -190,12 +205,14 @@ private:
 
 class Driver {
 public:
-    explicit Driver(Sink& sink) : out(sink) {}
+    Driver(Sink& sink, std::string_view encoding) : out(sink), encoding(encoding) {}
 
     htl::status Write(htl::handle<XmlElemWriter> const& root) {
         std::wstring tag = root ? root->Tag() : std::wstring();
         if (tag.empty()) return Refused(L"its document element has no name.");
-        out.Bytes("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+        out.Bytes("<?xml version=\"1.0\" encoding=\"");
+        out.Bytes(encoding);
+        out.Bytes("\"?>\n");
         if (htl::status failure = Start_(*root, std::move(tag)); failure.IsError()) return failure;
         while (!open.empty()) {
             if (out.Failure().IsError()) return out.Failure();
@@ -310,6 +327,7 @@ private:
     }
 
     Output out;
+    std::string_view encoding; // the one that the declaration names
     NameCache names;
     std::uint64_t element = 0; // counts elements, so that an attribute given twice shows in the cache
     std::vector<Level> open;
@@ -346,20 +364,77 @@ private:
     bool kept = false;
 };
 
+// Keeps the bytes in pages that go back to the system one by one while the text that is made of them grows. The heap
+// would hold them beside it.
+class PageSink final : public Sink {
+public:
+    htl::status Write(char const* data, std::size_t size) override {
+        if (pages.empty() || pageSize - pages.back().used < size) pages.emplace_back();
+        Page& page = pages.back();
+        std::memcpy(page.bytes.get() + page.used, data, size);
+        page.used += size;
+        length += size;
+        return {};
+    }
+
+    /// Appends what was written to `text`, and keeps nothing.
+    void MoveInto(std::wstring& text) {
+        text.reserve(text.size() + length); // no character has fewer bytes than one
+        for (Page& page : pages) {
+            for (std::string_view rest(page.bytes.get(), page.used); !rest.empty();) {
+                std::string_view const piece = rest.substr(0, WholeCharacters(rest, xmlBlockSize));
+                AppendWide(text, piece);
+                rest.remove_prefix(piece.size());
+            }
+            page.bytes.reset();
+        }
+        pages.clear();
+        length = 0;
+    }
+
+private:
+    static constexpr std::size_t pageSize = 16 * xmlBlockSize;
+
+    struct Unmap {
+        void operator()(char* page) const noexcept { ::munmap(page, pageSize); }
+    };
+    struct Page {
+        Page() {
+            void* const start = ::mmap(nullptr, pageSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+            if (start == MAP_FAILED) throw std::bad_alloc();
+            bytes.reset(static_cast<char*>(start));
+        }
+
+        std::unique_ptr<char, Unmap> bytes;
+        std::size_t used = 0;
+    };
+
+    std::vector<Page> pages;
+    std::size_t length = 0;
+};
+
 } // namespace
 
 htl::status XmlFileWrite(std::wstring const& name, htl::handle<XmlElemWriter> const& writer) {
     AtomicFile file;
     if (htl::status failure = file.Open(name); failure.IsError()) return failure;
     FileSink sink(file);
-    if (htl::status failure = Driver(sink).Write(writer); failure.IsError()) return failure;
+    if (htl::status failure = Driver(sink, "UTF-8").Write(writer); failure.IsError()) return failure;
     return file.Commit();
 }
 
 htl::status XmlStringWrite(std::vector<unsigned char>& document, htl::handle<XmlElemWriter> const& writer) {
     VectorSink sink(document);
-    htl::status failure = Driver(sink).Write(writer);
+    htl::status failure = Driver(sink, "UTF-8").Write(writer);
     if (!failure.IsError()) sink.Keep();
+    return failure;
+}
+
+htl::status XmlTextWrite(std::wstring& document, htl::handle<XmlElemWriter> const& writer) {
+    document.clear();
+    PageSink sink;
+    htl::status failure = Driver(sink, "UTF-16").Write(writer);
+    if (!failure.IsError()) sink.MoveInto(document);
     return failure;
 }
 

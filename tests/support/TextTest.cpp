@@ -144,6 +144,57 @@ TEST(Utf16Test, RefusesWhatNoDocumentCarriesWithItsPosition) {
     }
 }
 
+TEST(Utf16Test, TakesWholeCharactersAsLongAsThereIsRoom) {
+    struct Case {
+        std::size_t room, bytes, rest;
+    };
+    // Two bytes, two bytes, four bytes, two bytes.
+    std::wstring const text = L"A\u20AC\U0001D400B";
+    for (auto const [room, bytes, rest] : {Case{0, 0, 4}, Case{1, 0, 4}, Case{3, 2, 3}, Case{4, 4, 2}, Case{7, 4, 2},
+                                           Case{8, 8, 1}, Case{9, 8, 1}, Case{10, 10, 0}, Case{99, 10, 0}}) {
+        std::vector<char> out(room + 1, '#');
+        std::wstring_view left = text;
+        EXPECT_EQ(str::EncodeUtf16le(std::span(out).first(room), left), bytes) << room;
+        EXPECT_EQ(left, text.substr(text.size() - rest)) << room;
+        EXPECT_EQ(out[room], '#') << room;
+    }
+}
+
+TEST(Utf16Test, CharactersAmongManyOthersComeOutInTheirPlaces) {
+    for (std::size_t const place : {0u, 31u, 32u, 33u, 63u, 64u, 99u}) {
+        std::wstring text(100, L'x');
+        text[place] = L'\U0001D400';
+        std::string expected;
+        for (wchar_t const c : text) expected += c == L'x' ? std::string("x\0", 2) : std::string("\x35\xD8\x00\xDC", 4);
+        std::vector<unsigned char> bytes;
+        ASSERT_FALSE(str::as_utf16le(text, bytes).IsError());
+        EXPECT_EQ(std::string(bytes.begin(), bytes.end()), expected) << place;
+    }
+}
+
+TEST(Utf16Test, WhatIsNoCodePointIsEncodedAsTheReplacementCharacter) {
+    for (unsigned const unit : {0xD800u, 0xDFFFu, 0x110000u, 0xFFFFFFFFu}) {
+        std::wstring const text{L'a', static_cast<wchar_t>(unit), L'b'};
+        std::string out(6, '#');
+        std::wstring_view left = text;
+        EXPECT_EQ(str::EncodeUtf16le(out, left), 6u);
+        EXPECT_EQ(out, std::string("a\0\xFD\xFF"
+                                   "b\0",
+                                   6))
+            << std::hex << unit;
+    }
+}
+
+TEST(Utf16Test, TheFirstUnitThatIsNoCodePointIsTold) {
+    for (std::size_t const place : {0u, 30u, 31u, 32u, 64u, 99u}) {
+        std::wstring text(100, L'\u20AC');
+        EXPECT_FALSE(str::CheckCodePoints(text).IsError());
+        text[99] = wchar_t(0xDC00);
+        text[place] = wchar_t(0xD800);
+        EXPECT_EQ(str::CheckCodePoints(text).AsWString(), htl::status(90012, place + 1).AsWString());
+    }
+}
+
 TEST(CompareUtf16Test, CharactersAboveTheBasicPlaneComeBeforePrivateUse) {
     std::wstring const mathBoldA = L"\U0001D400";
     EXPECT_LT(str::CompareUtf16(mathBoldA, L"\uE000"), 0);
