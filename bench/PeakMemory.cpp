@@ -7,6 +7,7 @@
 // something fails or is read back otherwise than it was written. Each operation runs in a process of its own, so that
 // none profits from memory that another one has left.
 #include "bench/DocumentModel.h"
+#include "bench/Memory.h"
 #include "bench/Register.h"
 
 #include <sys/wait.h>
@@ -17,7 +18,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 
 namespace {
@@ -28,19 +28,6 @@ hzn::version::NumberKind<0> const fileVersion{1, 0};
 struct Measure {
     double document, model, text, above;
 };
-
-/// A line of the process's state, in megabytes: "VmRSS:" what it holds, "VmHWM:" the most that it held.
-double Resident(std::string const& what) {
-    std::ifstream state("/proc/self/status");
-    for (std::string line; std::getline(state, line);)
-        if (line.starts_with(what)) return std::atof(line.c_str() + what.size()) / 1024.0;
-    throw std::runtime_error("the system doesn't say what is resident");
-}
-
-void ForgetPeak() {
-    std::ofstream references("/proc/self/clear_refs");
-    if (!(references << 5 << std::flush)) throw std::runtime_error("the system doesn't reset the peak");
-}
 
 template <class T>
 double BytesOf(std::vector<T> const& values) {
@@ -70,13 +57,13 @@ Measure Save(std::size_t size, std::filesystem::path const& path, bool toFile) {
     bench::Project project = bench::MakeProject(size);
     bench::RegisterProject(project);
     std::wstring text;
-    ForgetPeak();
-    double const before = Resident("VmRSS:");
+    bench::ForgetPeak();
+    double const before = bench::Resident("VmRSS:");
     if (toFile)
         Check(zo::xml::FileWrite(path.wstring(), fileVersion), "the file can't be written");
     else
         Check(zo::xml::StringWrite(text, fileVersion), "the text can't be written");
-    double const peak = Resident("VmHWM:");
+    double const peak = bench::Resident("VmHWM:");
     double const kept = BytesOf(text) / megabyte;
     double const document = toFile ? static_cast<double>(std::filesystem::file_size(path)) / megabyte : kept;
     return {document, ModelBytes(project) / megabyte, kept, peak - before - kept};
@@ -96,12 +83,12 @@ Measure Load(std::size_t size, std::filesystem::path const& path, bool fromFile)
     bench::Project project;
     bench::RegisterProject(project);
     std::vector<htl::status> errors;
-    ForgetPeak();
-    double const before = Resident("VmRSS:");
+    bench::ForgetPeak();
+    double const before = bench::Resident("VmRSS:");
     Check(fromFile ? zo::xml::FileRead(path.wstring(), errors, {}, zo::xml::impl::UnknownAreErrors(), {})
                    : zo::xml::StringRead(text, errors, {}, zo::xml::impl::UnknownAreErrors(), {}),
           "the document can't be read");
-    double const peak = Resident("VmHWM:");
+    double const peak = bench::Resident("VmHWM:");
     if (!errors.empty() || project != bench::MakeProject(size)) throw std::runtime_error("read back otherwise");
     double const model = ModelBytes(project) / megabyte;
     double const document =
