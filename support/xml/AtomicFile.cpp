@@ -49,7 +49,9 @@ htl::status AtomicFile::Open(std::wstring const& name) {
     if (htl::status failure = Follow_(target); failure.IsError()) return failure;
     // A rename asks for no right to write the file itself, but whoever took that right away meant it.
     if (exists && ::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) return Failure_(errno);
-    if (htl::status failure = OpenTemporary_(target); failure.IsError()) return failure;
+    // A new file gets what the process's mask leaves. One that replaces another is nobody else's until it has the mode
+    // of that one.
+    if (htl::status failure = OpenTemporary_(target, exists ? 0600 : 0666); failure.IsError()) return failure;
     if (!exists) return {};
 
     mode_t mode = old.st_mode & 07777;
@@ -123,14 +125,13 @@ htl::status AtomicFile::Follow_(std::string& path) const {
     }
 }
 
-htl::status AtomicFile::OpenTemporary_(std::string const& path) {
+htl::status AtomicFile::OpenTemporary_(std::string const& path, mode_t mode) {
     std::string const directory = Directory(path);
     std::string const name = path.substr(directory.size());
     if (name.empty()) return Failure_(directory.empty() ? ENOENT : EISDIR);
     for (int attempt = 0; attempt < 100; ++attempt) {
         std::string candidate = directory + '.' + std::string(Shortened(name)) + RandomSuffix();
-        // Opened with the mode of any new file, so that the system applies the process's mask.
-        descriptor = ::open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        descriptor = ::open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
         if (descriptor >= 0) {
             temporary = std::move(candidate);
             return {};

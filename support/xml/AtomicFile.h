@@ -6,6 +6,8 @@
 #include "support/export.h"
 #include "support/status.h"
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <string>
 
@@ -34,7 +36,7 @@ public:
 
 private:
     htl::status Follow_(std::string& path) const;
-    htl::status OpenTemporary_(std::string const& path);
+    htl::status OpenTemporary_(std::string const& path, mode_t mode);
     htl::status Failure_(int reason) const;
     void Discard_() noexcept;
 
