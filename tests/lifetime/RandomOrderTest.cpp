@@ -241,6 +241,7 @@ private:
             return;
         case 1:
             if (!sets.empty()) sets.erase(sets.begin() + static_cast<std::ptrdiff_t>(Below_(sets.size())));
+            KeepOneCurrent_();
             return;
         default:
             // Transactions go on reading from their source, which they hold.
@@ -248,8 +249,17 @@ private:
             registries.erase(registries.begin() + static_cast<std::ptrdiff_t>(Below_(registries.size())));
             if (zo::ZORegistry* const other = registries.empty() ? nullptr : registries[0].first.get())
                 zo::ZORegistry::SetInstance(other);
+            KeepOneCurrent_();
             return;
         }
+    }
+
+    /// Nodes of a transaction are asked with a registry of these rows current: when no other is left, its own.
+    void KeepOneCurrent_() {
+        if (!registries.empty() || sets.empty()) return;
+        zo::ZOSet* source = sets[0].get();
+        while (source->Source()) source = source->Source();
+        zo::ZORegistry::SetInstance(dynamic_cast<zo::ZORegistry*>(source));
     }
 
     void Write_(H const& node) {
