@@ -2,7 +2,7 @@
 //
 // A module is a function that says, one line for each part, which structures there are and where their objects come
 // from. The application hands over its list of modules; nothing runs before main, and nothing is registered unless
-// all lines are in order. The guide is docs/kit.md.
+// all lines are in order. The guide is docs/guide.md; docs/kit.md has all that a line can say.
 //
 //     void SoilModule(zo::kit::Kit& kit) {
 //         kit.Enum<Drainage>(drainageWords);
