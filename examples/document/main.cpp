@@ -35,6 +35,7 @@ struct Project {
     std::vector<double> readings;
     std::vector<std::vector<double>> profiles{{1, 2}, {}};
     std::map<int, double> loads{{3, 1.5}};
+    std::map<std::wstring, Soil> fills{{L"crest", {L"Gravel", 5}}};
     int current = 2; // the number of a soil
     double cache = 7.5;
 } project;
@@ -63,6 +64,7 @@ void ProjectModule(zo::kit::Kit& kit) {
         .Array<&Project::readings>("Readings", L"Readings")
         .Array<&Project::profiles>("Profiles", L"Profiles[Profile]")
         .Map<&Project::loads>("Loads", L"Loads[Load]", {.valueTag = L"Force"})
+        .Map<&Project::fills>("Fills", L"Fills[Fill]")
         .Link<&Project::current>("Current", L"Current", soilGroup)
         .Field<&Project::cache>("Cache", L"Cache", {.persist = Persist::Never})
         .Alias("First", L"First", L"Soils[1]");
