@@ -1,5 +1,7 @@
-// The pieces that docs/guide.md quotes, step by step, and a program that runs them.
+// The pieces that docs/guide.md quotes, step by step, and one of docs/lifetimes.md, and a program that runs them.
 #include <iostream>
+#include <thread>
+
 #include <kit/kit.h>
 #include <zo/zo.h>
 
@@ -193,6 +195,32 @@ void SaveAndLoad() {
     Show("Water.Level");
 }
 
+// Another document.
+
+// What a document says, read into a registry and a structure of its own. Any thread may call it.
+std::wstring TitleIn(std::wstring const& document) {
+    Site own; // outlives all use of the registry
+    htl::handle<zo::ZORegistry> const registry(new zo::ZORegistry);
+    zo::ZORegistry* const before = zo::ZORegistry::SetInstance(registry.get());
+    zo::kit::Report const report = zo::kit::Register({[&own](zo::kit::Kit& kit) {
+        kit.Record<Site>("Site").Field<&Site::title>("Title", L"Title");
+        kit.Branch<Site>("Site", L"Site", [&own] { return &own; });
+    }});
+    std::vector<htl::status> errors;
+    bool const isRead = report.IsClean() && !zo::xml::StringRead(document, errors).IsError();
+    zo::ZORegistry::SetInstance(before);
+    return isRead ? own.title : std::wstring();
+}
+
+void ReadBeside() {
+    std::wstring title;
+    std::thread([&title] {
+        title = TitleIn(L"<HZNData Version=\"1.00\"><Site><Title>Quay</Title></Site></HZNData>");
+    }).join();
+    std::wcout << L"beside: " << title << L'\n';
+    Show("Site.Title");
+}
+
 int main() {
     if (!RegisterAll()) return 1;
     ReadAndWrite();
@@ -202,4 +230,5 @@ int main() {
     FloodAndDrain();
     ReportMistakes();
     SaveAndLoad();
+    ReadBeside();
 }
