@@ -123,7 +123,7 @@ void CutText(typename S::value_type* buffer, std::size_t size, S const& text) no
 template <class S>
 bool tokenize(S& token, unsigned index, std::type_identity_t<S> const& format) {
     // The format may be the very text that is to hold the token.
-    S const pattern = format;
+    S const pattern = format; // NOLINT(performance-unnecessary-copy-initialization)
     token.clear();
     Tokens<S> tokens(pattern);
     for (unsigned at = 0;; at += 2) {

@@ -84,6 +84,7 @@ public:
     noexcept : pointer(other.detach_()) {}
     ~handle() { M::Release(pointer); }
 
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): copied and swapped
     handle& operator=(handle const& other) noexcept {
         handle(other).swap(*this);
         return *this;

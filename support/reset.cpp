@@ -14,7 +14,9 @@ RowValue::RowValue(MetaTraitsAtomic const& record) {
 }
 
 void* RowValue::Address() noexcept {
-    return std::visit([](auto& held) -> void* { return &held; }, value);
+    if (auto* const narrow = std::get_if<std::string>(&value)) return narrow;
+    if (auto* const wide = std::get_if<std::wstring>(&value)) return wide;
+    return std::get_if<Plain>(&value);
 }
 
 struct Resetter::Value {

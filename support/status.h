@@ -53,6 +53,7 @@ public:
 
     status(status const& other) noexcept : pointer(other.pointer) { AddRef(pointer); }
     status(status&& other) noexcept : pointer(std::exchange(other.pointer, nullptr)) {}
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): one more is counted before one less
     status& operator=(status const& other) noexcept {
         // The new detail first: the old one may be its last owner, or the same.
         AddRef(other.pointer);

@@ -118,6 +118,7 @@ private:
 
 } // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): clients link against this signature
 htl::status Serialize(ClipboardContents& contents, std::vector<H> nodes, hzn::version::NumberKind<0> const& version,
                       std::string const& path) {
     contents = {};

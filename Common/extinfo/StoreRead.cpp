@@ -83,7 +83,7 @@ htl::status ExtendedInfoStore::Read_(Parse const& parse) {
 
 htl::status ExtendedInfoStore::Add(std::vector<ExtendedInfoEntry> rows) {
     SortByTag(rows);
-    htl::status const result = Duplicates(rows);
+    htl::status result = Duplicates(rows);
     ExclusiveAccessGuard const guard(lock);
     if (compiled) return extinfo::AlreadyCompiled();
     firstTableCount = entries.size();

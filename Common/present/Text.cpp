@@ -256,6 +256,7 @@ std::wstring PrettyPrintName(H const& node, wchar_t separator) {
     return PrettyPrintNameFromParts(AllNameParts(node, separator));
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): clients link against this signature
 std::wstring PrettyPrintNameFromParts(std::vector<NameParts> parts) {
     std::wstring text;
     for (NameParts const& part : parts) {

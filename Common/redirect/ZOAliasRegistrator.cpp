@@ -2,6 +2,7 @@
 
 namespace zo {
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): clients link against this signature
 ZOAliasRegistrator::ZOAliasRegistrator(H const& alias, htl::handle<IODS> const& store, meta::MetaPersistTraits traits) {
     static meta::MetaTraitsStructure const record = [] {
         meta::MetaTraitsStructure structure;

@@ -54,7 +54,9 @@ ZOWrapperLinkBase::ZOWrapperLinkBase(ZOWrapperLinkBase const& other) : ZOWrapper
     SetRedirector(this);
 }
 
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): it copies
 ZOWrapperLinkBase::ZOWrapperLinkBase(ZOWrapperLinkBase&& other)
+    // NOLINTNEXTLINE(performance-move-constructor-init)
     : ZOWrapperLinkBase(static_cast<ZOWrapperLinkBase const&>(other)) {}
 
 ZOWrapperLinkBase::~ZOWrapperLinkBase() = default;

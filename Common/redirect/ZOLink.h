@@ -33,7 +33,8 @@ public:
     ZOWrapperLinkBase(std::size_t regID, ZOSet* owner, meta::MetaDataTraits const& traits, void* memory,
                       htl::handle<ZOMemMgr> const& manager);
     ZOWrapperLinkBase(ZOWrapperLinkBase const& other);
-    ZOWrapperLinkBase(ZOWrapperLinkBase&& other);
+    /// Copies.
+    ZOWrapperLinkBase(ZOWrapperLinkBase&& other); // NOLINT(performance-noexcept-move-constructor): it copies
 
     ZOFwrdIterator begin() override;
 

@@ -13,7 +13,6 @@
 namespace zo {
 
 using Entry = ZOJournal::Entry;
-using impl::Current;
 
 namespace {
 

@@ -320,7 +320,7 @@ H ZOEmptyTransaction::Find(std::string const& name) {
         if (!node) return {};
         std::string own = node->OwnerID() == IZO::npos ? asked : node->Name();
         if (own == asked) {
-            H const empty(node->EmptyClone());
+            H empty(node->EmptyClone());
             if (htl::status const failure = Insert(own, empty); failure.IsError())
                 throw htl::status_exception(failure, "zo", 2491);
             return empty;

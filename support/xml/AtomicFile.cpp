@@ -121,7 +121,8 @@ htl::status AtomicFile::Follow_(std::string& path) const {
         ssize_t const length = ::readlink(path.c_str(), to.data(), to.size());
         if (length < 0) return Failure_(errno);
         to.resize(static_cast<std::size_t>(length));
-        path = to.starts_with('/') ? to : Directory(path) + to;
+        if (!to.starts_with('/')) to.insert(0, Directory(path));
+        path = std::move(to);
     }
 }
 

@@ -17,7 +17,7 @@ namespace sys::file {
 constexpr std::size_t xmlDepthLimit = 4096;
 
 /// Bytes of a file that are read or written at once.
-constexpr std::size_t xmlBlockSize = 64 * 1024;
+constexpr std::size_t xmlBlockSize = 65'536;
 
 /// What the parser reports. Text is well-formed UTF-8 in whole characters and valid during the call only. Exceptions
 /// thrown by an operation end the parse and come out of `XmlParser::Parse`.

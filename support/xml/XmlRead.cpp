@@ -22,7 +22,7 @@ namespace {
 constexpr unsigned cannotOpen = 90001;
 
 // Texts longer than this give their memory back when their element ends, so that depth alone holds memory.
-constexpr std::size_t keptTextLength = 16 * 1024;
+constexpr std::size_t keptTextLength = 16'384;
 
 void AssignWide(std::wstring& out, char const* text) {
     out.clear();
