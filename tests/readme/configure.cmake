@@ -1,0 +1,22 @@
+# A project with the README's block of CMake configures, with this tree as its folder `zo`. `scripts/check-package` builds
+# such a project.
+cmake_minimum_required(VERSION 3.23)
+include(${CMAKE_CURRENT_LIST_DIR}/blocks.cmake)
+file(READ ${README} readme)
+take_block(readme cmake)
+if(NOT has_block)
+    message(FATAL_ERROR "${README} has no block of CMake")
+endif()
+file(REMOVE_RECURSE ${FOLDER})
+file(MAKE_DIRECTORY ${FOLDER})
+file(CREATE_LINK ${TREE} ${FOLDER}/zo SYMBOLIC)
+file(COPY ${SOURCE} DESTINATION ${FOLDER})
+file(WRITE ${FOLDER}/CMakeLists.txt "cmake_minimum_required(VERSION 3.23)
+project(application LANGUAGES CXX)
+add_executable(application main.cpp)
+${block}")
+execute_process(COMMAND ${CMAKE_COMMAND} -S ${FOLDER} -B ${FOLDER}/build -DCMAKE_CXX_COMPILER=${COMPILER}
+                OUTPUT_VARIABLE output ERROR_VARIABLE output RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "the project does not configure:\n${output}")
+endif()
