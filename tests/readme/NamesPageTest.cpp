@@ -20,6 +20,7 @@ struct Soil {
 
 /// As the page describes it.
 struct Project {
+    std::wstring title = L"Harbour";
     std::vector<Soil> soils{{L"Clay", 18}, {L"Sand", 35}, {L"Gravel", 38}};
     std::map<int, double> loads{{3, 1.5}, {7, 2.5}};
     std::map<std::wstring, double> cases{{L"snow", 0.8}, {L"wind", 1.2}};
@@ -34,6 +35,7 @@ protected:
         zo::kit::Report const report = zo::kit::Register({[this](zo::kit::Kit& kit) {
             kit.Record<Soil>("Soil").Field<&Soil::name>("Name", L"Name").Field<&Soil::friction>("Friction", L"Phi");
             kit.Record<Project>("Project")
+                .Field<&Project::title>("Title", L"Title")
                 .Array<&Project::soils>("Soils", L"Soils[Soil]")
                 .Map<&Project::loads>("Loads", L"Loads[Load]")
                 .Map<&Project::cases>("Cases", L"Cases[Case]")
@@ -68,6 +70,18 @@ private:
     htl::handle<zo::ZORegistry> registry;
     zo::ZORegistry* previous;
 };
+
+TEST_F(NamesPageTest, NameAndTagInOneRowAreThoseOfOneNode) {
+    int count = 0;
+    for (page::Row const& row : page::Rows(page::Text("names.md"))) {
+        if (row.size() < 3 || page::Quoted(row[1]).empty() || page::Quoted(row[2]).empty()) continue;
+        zo::H const node = zo::Find(page::Quoted(row[1]));
+        ASSERT_TRUE(node) << row[1];
+        EXPECT_EQ(zo::FullTag(node), str::as_wstring(page::Quoted(row[2])));
+        ++count;
+    }
+    EXPECT_EQ(count, 3);
+}
 
 TEST_F(NamesPageTest, NamesLeadWhereThePageSays) {
     ExpectTable("name", [](std::string const& name) { return zo::Find(name); });
