@@ -596,7 +596,7 @@ struct Words {
         return nullptr;
     }
     status FromNumber(Int64 in, void* value) const {
-        if (!Find(in) || !std::in_range<int>(in)) return NotRecognized(NumberText(in));
+        if (!Find(in)) return NotRecognized(NumberText(in));
         As<int>(value) = static_cast<int>(in);
         return {};
     }

@@ -35,7 +35,6 @@ struct Resetter::Container {
 };
 
 Resetter::Resetter(MetaDataTraits const& traits) { Collect_(traits, 0); }
-Resetter::Resetter(Resetter&&) noexcept = default;
 Resetter::~Resetter() = default;
 
 void Resetter::Collect_(MetaDataTraits const& traits, std::size_t offset) {

@@ -32,7 +32,6 @@ private:
 class Resetter {
 public:
     explicit Resetter(MetaDataTraits const& traits);
-    Resetter(Resetter&&) noexcept;
     ~Resetter();
 
     /// `memory` is an object of the type; null does nothing.

@@ -68,15 +68,9 @@ bool NormalizeText(std::basic_string<C>& text) {
                 text.resize(write);
                 return false;
             }
-            // What is written must stay behind what was read: an empty index has no room for its ".".
             read = close;
-            if (!afterDot) {
-                if (write + 1 > read) {
-                    text.resize(write);
-                    return false;
-                }
-                text[write++] = C('.');
-            }
+            if (!afterDot) text[write++] = C('.');
+            // What is written must stay behind what was read: an empty index has no room for the added ".".
             if (write + 1 > read) {
                 text.resize(write);
                 return false;

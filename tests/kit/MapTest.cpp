@@ -2,6 +2,7 @@
 #include "tests/kit/Site.h"
 
 #include <limits>
+#include <new>
 
 namespace site {
 namespace {
@@ -21,6 +22,16 @@ struct Pile {
     double length = 0;
 
     bool operator==(Pile const&) const = default;
+};
+
+/// A result that can't be made where memory is short.
+struct Result {
+    Result() {
+        if (left-- == 0) throw std::bad_alloc();
+    }
+
+    static inline int left = 1'000'000; // how many can still be made
+    double value = 0;
 };
 
 struct Foundation {
@@ -322,6 +333,60 @@ TEST_F(MapTest, RecordIsNotRemovedUnderItsViews) {
     view.release();
     EXPECT_TRUE(Succeeds(anchors->RemoveAt(0)));
     EXPECT_EQ(foundation.anchors, (std::deque<Pile>{{L"B", -2, 5}}));
+}
+
+TEST_F(MapTest, KeysPastTheirTypeFindNothing) {
+    foundation.rows[255] = {1};
+    EXPECT_TRUE(zo::Find("Foundation.Rows.At(255)"));
+    EXPECT_FALSE(zo::Find("Foundation.Rows.At(256)"));
+    EXPECT_FALSE(zo::Find("Foundation.Rows.At(-1)"));
+    EXPECT_FALSE(zo::Find("Foundation.Rows.At(top)"));
+}
+
+class ShortMemoryTest : public KitTest {
+protected:
+    ShortMemoryTest() {
+        Register({[this](Kit& kit) {
+            kit.Record<Result>("Result").Field<&Result::value>("Value", L"Value");
+            kit.Branch<std::map<int, Result>>("Slips", L"Slips[Slip]", [this] { return &slips; });
+            kit.Branch<std::vector<Result>>("Steps", L"Steps[Step]", [this] { return &steps; });
+        }});
+        slips[4].value = 1.25;
+        steps.resize(1);
+        steps[0].value = 0.5;
+    }
+    ~ShortMemoryTest() override { Result::left = 1'000'000; }
+
+    std::map<int, Result> slips;
+    std::vector<Result> steps;
+};
+
+TEST_F(ShortMemoryTest, MapThatCannotTakeALengthStaysAsItWas) {
+    Result::left = 1; // the second of two
+    EXPECT_TRUE(FailsAs(zo::Find("Slips")->SetLength(3), zo::ZOError::not_supported("")));
+    ASSERT_EQ(slips.size(), 1u);
+    EXPECT_EQ(slips[4].value, 1.25);
+    Result::left = 2;
+    EXPECT_TRUE(Succeeds(zo::Find("Slips")->SetLength(3)));
+    EXPECT_EQ(slips.size(), 3u);
+}
+
+TEST_F(ShortMemoryTest, SequenceThatCannotTakeALengthStaysAsItWas) {
+    Result::left = 1;
+    EXPECT_TRUE(FailsAs(zo::Find("Steps")->SetLength(3), zo::ZOError::not_supported("")));
+    ASSERT_EQ(steps.size(), 1u);
+    EXPECT_EQ(steps[0].value, 0.5);
+}
+
+TEST_F(ShortMemoryTest, NothingIsAddedWithoutMemory) {
+    for (char const* name : {"Slips", "Steps"}) {
+        zo::H const node = zo::Find(name);
+        auto* const array = dynamic_cast<zo::ZOArray*>(node.get());
+        ASSERT_TRUE(array);
+        Result::left = 0;
+        EXPECT_FALSE(array->AddNew().current);
+        EXPECT_EQ(node->Length(), 1u);
+    }
 }
 
 } // namespace

@@ -130,6 +130,26 @@ TYPED_TEST(RowsWithoutMissing, NothingIsMissing) {
     EXPECT_FALSE(row.IsMissing(row.FromBool(true)));
 }
 
+TYPED_TEST(RowsWithoutMissing, AMissingValueCanBeNamed) {
+    TypeParam const missing = Row<TypeParam>().FromBool(true);
+    Row<TypeParam> const row(meta::AtomicBuilder<TypeParam>().Missing(missing).Build());
+    EXPECT_TRUE(row.IsMissing(missing));
+    EXPECT_FALSE(row.IsMissing(TypeParam{}));
+    EXPECT_EQ(row.Text(missing), L"");
+    EXPECT_EQ(row.Text(missing, 2), L"");
+    EXPECT_EQ(row.Int64(missing), missingInt64);
+    EXPECT_EQ(row.Double(missing), missingDouble);
+    EXPECT_EQ(row.FromText(L""), missing);
+    EXPECT_EQ(row.FromInt64(missingInt64), missing);
+    EXPECT_EQ(row.FromDouble(missingDouble), missing);
+}
+
+TEST(TextRow, MissingTextIsFalse) {
+    Row<std::wstring> const row(meta::AtomicBuilder<std::wstring>().Missing(L"unknown").Build());
+    EXPECT_FALSE(row.Bool(L"unknown"));
+    EXPECT_TRUE(row.Bool(L"true"));
+}
+
 template <class T>
 class WholeRows : public testing::Test {};
 using WholeTypes = testing::Types<unsigned char, int, unsigned, long, unsigned long, Int64, UInt64>;
@@ -494,6 +514,7 @@ TEST(EnumerationRow, StandsForWordsInThreeForms) {
     EXPECT_EQ(row.FromInt64(7), 7);
     EXPECT_EQ(row.FromDouble(6.5), 7);
     EXPECT_EQ(row.FromBool(true), 1);
+    EXPECT_EQ(row.FromBool(false), 0);
     EXPECT_FALSE(row.IsMissing(0x7FFFFFFF));
 }
 

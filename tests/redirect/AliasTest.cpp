@@ -620,4 +620,25 @@ TEST(AliasRegistratorTest, RegistersAnAliasUnderTheStoresName) {
     EXPECT_TRUE(traits.Descriptor()->editable(nullptr));
 }
 
+/// The least that a client's own alias has to say.
+class Least final : public ZOAliasBase {
+public:
+    explicit Least(std::string source) : ZOAliasBase(npos, nullptr), source(std::move(source)) {}
+    std::string RedirectName() const override { return source; }
+    H Redirect() const override { return zo::Find(source); }
+    IZO* Clone() override { return new Least(*this); }
+    IZO* EmptyClone() override { return new Least(*this); }
+
+private:
+    std::string source;
+};
+
+TEST_F(AliasTest, AnAliasThatKeepsNothingIsValidWhileItHasASource) {
+    H const friction(new Least("Soils[2].Friction"));
+    EXPECT_EQ(TextOf(friction), L"27");
+    EXPECT_TRUE(AsAlias(friction).Validate());
+    EXPECT_TRUE(Succeeds(zo::Find("Soils")->SetLength(2))) << "no view is held";
+    EXPECT_FALSE(AsAlias(friction).Validate());
+}
+
 } // namespace

@@ -219,4 +219,10 @@ TEST_F(WalkTest, InvalidateMemoryOfAllTellsEveryTopLevelNodeOnceAliasesIncluded)
     EXPECT_EQ(dynamic_cast<rows::OtherName&>(*alias).timesInvalidated, 2) << "clearing the root tells them first";
 }
 
+TEST_F(WalkTest, APositionLeadsToItsNode) {
+    zo::ZORegistryIterator const at = embankment.registry->begin();
+    EXPECT_EQ(at->Name(), "Points");
+    EXPECT_EQ(at.operator->(), (*at).get());
+}
+
 } // namespace

@@ -307,6 +307,15 @@ TEST_F(ReadTest, VersionGoesToTheHandler) {
     EXPECT_EQ(LoadText(L"<HZNData/>").version, noVersion);
 }
 
+TEST_F(ReadTest, VersionBeyondANumberIsReported) {
+    Loaded const loaded = LoadText(L"<HZNData Version=\"1e999\"/>");
+    ASSERT_EQ(loaded.errors.size(), 1u);
+    htl::status const cause =
+        htl::Convert_error_status::OutOfRangeStatus(L"1e999", htl::Convert_error_status::FloatingPointString());
+    EXPECT_TRUE(FailsAs(loaded.errors[0], ZOError::file_assign(L"HZNData.Version", L"1e999", cause)));
+    EXPECT_EQ(loaded.version, noVersion);
+}
+
 TEST_F(ReadTest, BadVersionsAreReported) {
     Loaded const loaded = LoadText(L"<HZNData Version=\"new\" AppVersion=\"1.x\"/>");
     ASSERT_EQ(loaded.errors.size(), 2u);
