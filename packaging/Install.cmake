@@ -22,18 +22,25 @@ set(zo_package ${CMAKE_INSTALL_LIBDIR}/cmake/zo)
 install(EXPORT zo-targets NAMESPACE zo:: DESTINATION ${zo_package} COMPONENT zo_development)
 configure_package_config_file(${PROJECT_SOURCE_DIR}/packaging/zo-config.cmake.in
                               ${PROJECT_BINARY_DIR}/packaging/zo-config.cmake INSTALL_DESTINATION ${zo_package}
-                              NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+                              NO_SET_AND_CHECK_MACRO)
 # Before 1.0, a minor version may take things away.
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/packaging/zo-config-version.cmake
                                  COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/packaging/zo-config.cmake ${PROJECT_BINARY_DIR}/packaging/zo-config-version.cmake
         DESTINATION ${zo_package} COMPONENT zo_development)
 
-# Folders relative to the one that holds the pkg-config file, whatever the folders of the installation are.
-set(zo_pkgconfig ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
-file(RELATIVE_PATH zo_pc_prefix ${zo_pkgconfig} ${CMAKE_INSTALL_PREFIX})
-file(RELATIVE_PATH zo_pc_include ${zo_pkgconfig} ${CMAKE_INSTALL_FULL_INCLUDEDIR}/zo)
-string(REGEX REPLACE "/$" "" zo_pc_prefix "${zo_pc_prefix}")
+# The prefix is found from where the pkg-config file lies, and all else from the prefix, as package managers expect that
+# exchange it. A folder that was given as an absolute one stays where it is.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+    set(zo_pc_prefix ${CMAKE_INSTALL_PREFIX})
+else()
+    file(RELATIVE_PATH zo_pc_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+    string(REGEX REPLACE "/$" "" zo_pc_prefix "\${pcfiledir}/${zo_pc_prefix}")
+endif()
+set(zo_pc_lib "\${prefix}")
+set(zo_pc_include "\${prefix}")
+cmake_path(APPEND zo_pc_lib ${CMAKE_INSTALL_LIBDIR})
+cmake_path(APPEND zo_pc_include ${CMAKE_INSTALL_INCLUDEDIR} zo)
 configure_file(${PROJECT_SOURCE_DIR}/packaging/zo.pc.in ${PROJECT_BINARY_DIR}/packaging/zo.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/packaging/zo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
         COMPONENT zo_development)
