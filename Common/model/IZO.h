@@ -227,7 +227,6 @@ struct ZO_API NodeAccess {
     static void SetOwner(IZO& node, ZOSet* owner, std::size_t ownerID) noexcept;
     /// Whether a set gave this very node its place; a copy only knows the place of its original.
     static bool IsEntered(IZO const& node) noexcept { return node.entered; }
-    static void SetRegID(IZO& node, std::size_t regID) noexcept { node.regID = regID; }
 
     /// How many nodes are alive in the process, for tests that nothing is left over. Only libraries that were built
     /// with assertions count; others give 0.

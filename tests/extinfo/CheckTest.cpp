@@ -182,6 +182,17 @@ TEST_F(CheckTest, EntryOfAnAliasThatATraversalListAddsIsUsed) {
     EXPECT_EQ(CheckTable().unused, Tags{L"Flow"});
 }
 
+TEST_F(CheckTest, EntryOfTheAliasOfASplicedNodeIsUsed) {
+    Read(FullTable()
+             .Entry(L"HZNData", {}, {As(L"Drain.*", L"Outlet*")})
+             .Entry(L"Outlet_", {{L"Label", L"Outlet"}})
+             .Entry(L"Outlet", {{L"Label", L"Outlet"}}));
+    EXPECT_EQ(CheckTable().unused, Tags{L"Outlet"});
+    EXPECT_TRUE(FailsAs(zo::CompileExtendedInfo(),
+                        HznError::compound(htl::status::FromText(L"One or more extended info entries not used"),
+                                           {htl::status::FromText(L"Outlet")})));
+}
+
 TEST_F(CheckTest, EntryOfATagThatNoAliasHasBecauseItsNodeMovesIsUnused) {
     Read(FullTable().Entry(L"HZNData", {}, {From(L"Body.Crest")}).Entry(L"Crest", {{L"Label", L"Crest of the dam"}}));
     EXPECT_EQ(CheckTable().unused, Tags{L"Crest"});

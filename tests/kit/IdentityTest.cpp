@@ -52,6 +52,21 @@ TEST_F(IdentityTest, EveryRecordIsFoundByItsIdentifier) {
         EXPECT_EQ(NameOf(zo::GetSource(RecordOf(name, Link::Packed))), name);
 }
 
+TEST_F(IdentityTest, ACopyOfTheViewOfAnIdentifierLeadsToTheSameRecord) {
+    GGID id{materialGroup, 2};
+    zo::H const view = registry->Wrap(zo::ZOTypeTemplate::Lookup(typeid(GGID))->RegID(), &id);
+    zo::H const copy(view->Clone());
+    EXPECT_EQ(NameOf(zo::GetSource(copy)), "Materials[1]");
+    id.id = 3;
+    EXPECT_EQ(NameOf(zo::GetSource(copy)), "Materials[2]");
+}
+
+TEST_F(IdentityTest, ACopyOfTheViewOfAReferenceLeadsToTheSameContainer) {
+    ContainerRef reference(GGID{profileGroup, 2}, wellGroup);
+    zo::H const view = registry->Wrap(zo::ZOTypeTemplate::Lookup(typeid(ContainerRef))->RegID(), &reference);
+    EXPECT_EQ(NameOf(zo::GetSource(zo::H(view->Clone()))), "Survey.Profiles[1].Wells");
+}
+
 TEST_F(IdentityTest, NoRecordIsFoundPastTheEndOrForAWordThatIsZeroOrUnknown) {
     EXPECT_FALSE(zo::GetSource(GGID{materialGroup, 4}));
     EXPECT_FALSE(zo::GetSource(GGID{materialGroup, 0xFFFFFFFF}));

@@ -268,6 +268,12 @@ TEST(UInt64Row, MakesDoublesOutOfRangeMissingAndAlwaysSucceeds) {
     EXPECT_EQ(row.FromDouble(infinity), missing);
 }
 
+TEST(UInt64Row, WithoutAMissingValueRefusesWhatIsOutOfRange) {
+    Row<UInt64> const row(meta::AtomicBuilder<UInt64>().Missing(std::nullopt).Build());
+    EXPECT_TRUE(FailsAs(row.TextFailure(L"18446744073709551616", 5), WholeOutOfRange(L"18446744073709551616")));
+    EXPECT_EQ(row.FromText(L"18446744073709551615"), ~UInt64(0));
+}
+
 TEST(UInt64Row, PassesIntegersBitForBit) {
     Row<UInt64> const row;
     EXPECT_EQ(row.FromInt64(-1), ~UInt64(0));
