@@ -71,16 +71,38 @@ private:
     std::uint32_t trail = 0;
 };
 
-// How many units at the beginning of `text` are below the surrogates, short of the last of them by less than a step.
-std::size_t RunBelowSurrogates(std::wstring_view text) noexcept {
-    constexpr std::size_t step = 32;
-    std::size_t run = 0;
-    for (; text.size() - run >= step; run += step) {
-        bool other = false;
-        for (std::size_t i = 0; i < step; ++i) other |= static_cast<std::uint32_t>(text[run + i]) >= 0xD800;
-        if (other) break;
+// How many units are looked at together, and all their bits: as great as the greatest unit, or greater.
+constexpr std::size_t step = 32;
+std::uint32_t BitsOf(wchar_t const* units) noexcept {
+    std::uint32_t bits = 0;
+    for (std::size_t i = 0; i < step; ++i) bits |= static_cast<std::uint32_t>(units[i]);
+    return bits;
+}
+
+// Writes up to four bytes, and how many; U+FFFD for what is no code point.
+std::size_t PutUtf8(char* to, char32_t c) noexcept {
+    auto const put = [&to](char32_t byte) { *to++ = static_cast<char>(byte); };
+    if (!IsCodePoint(c)) c = replacement;
+    if (c < 0x80) {
+        put(c);
+        return 1;
     }
-    return run;
+    if (c < 0x800) {
+        put(0xC0 | c >> 6);
+        put(0x80 | (c & 0x3F));
+        return 2;
+    }
+    if (c < 0x10000) {
+        put(0xE0 | c >> 12);
+        put(0x80 | (c >> 6 & 0x3F));
+        put(0x80 | (c & 0x3F));
+        return 3;
+    }
+    put(0xF0 | c >> 18);
+    put(0x80 | (c >> 12 & 0x3F));
+    put(0x80 | (c >> 6 & 0x3F));
+    put(0x80 | (c & 0x3F));
+    return 4;
 }
 
 template <class V>
@@ -121,24 +143,13 @@ u8string as_u8string(std::string const& text) {
 void AppendUtf8(std::string& out, std::wstring_view text) {
     out.reserve(out.size() + text.size());
     for (wchar_t const unit : text) {
-        auto c = static_cast<char32_t>(unit);
+        auto const c = static_cast<char32_t>(unit);
         if (c < 0x80) {
             out += static_cast<char>(c);
             continue;
         }
-        if (!IsCodePoint(c)) c = replacement;
-        if (c < 0x800) {
-            out += static_cast<char>(0xC0 | c >> 6);
-        } else {
-            if (c < 0x10000) {
-                out += static_cast<char>(0xE0 | c >> 12);
-            } else {
-                out += static_cast<char>(0xF0 | c >> 18);
-                out += static_cast<char>(0x80 | (c >> 12 & 0x3F));
-            }
-            out += static_cast<char>(0x80 | (c >> 6 & 0x3F));
-        }
-        out += static_cast<char>(0x80 | (c & 0x3F));
+        char bytes[4];
+        out.append(bytes, PutUtf8(bytes, c));
     }
 }
 
@@ -150,49 +161,61 @@ void AssignWide(std::wstring& out, std::string_view text) {
 htl::status as_utf16le(std::wstring_view text, std::vector<unsigned char>& out) {
     out.clear();
     if (htl::status failure = CheckCodePoints(text); failure.IsError()) return failure;
-    auto const pairs = std::ranges::count_if(text, [](wchar_t c) { return static_cast<char32_t>(c) >= 0x10000; });
-    out.resize(2 * (text.size() + static_cast<std::size_t>(pairs)));
-    EncodeUtf16le({reinterpret_cast<char*>(out.data()), out.size()}, text);
-    return htl::status::Success;
-}
-
-std::size_t EncodeUtf16le(std::span<char> out, std::wstring_view& text) noexcept {
-    char* to = out.data();
-    char* const end = to + out.size();
-    auto const append = [&to](std::uint32_t unit) {
-        *to++ = static_cast<char>(unit & 0xFF);
-        *to++ = static_cast<char>(unit >> 8);
+    out.reserve(2 * text.size());
+    auto const append = [&out](std::uint32_t unit) {
+        out.push_back(static_cast<unsigned char>(unit & 0xFF));
+        out.push_back(static_cast<unsigned char>(unit >> 8));
     };
-    auto const* from = text.data();
-    auto const* const last = from + text.size();
-    while (from != last) {
-        // Most text is far from surrogates: as many units as fit, one for each character.
-        auto const room = std::min(static_cast<std::size_t>(end - to) / 2, static_cast<std::size_t>(last - from));
-        std::size_t const run = RunBelowSurrogates({from, room});
-        for (std::size_t i = 0; i < run; ++i) append(static_cast<std::uint32_t>(from[i]));
-        from += run;
-        if (from == last || end - to < 2) break;
-        auto c = static_cast<char32_t>(*from);
-        if (!IsCodePoint(c)) c = replacement;
+    for (wchar_t const unit : text) {
+        auto const c = static_cast<char32_t>(unit);
         if (c < 0x10000) {
             append(c);
         } else {
-            if (end - to < 4) break;
             append(0xD7C0 + (c >> 10));
             append(0xDC00 + (c & 0x3FF));
         }
-        ++from;
     }
-    text.remove_prefix(static_cast<std::size_t>(from - text.data()));
+    return htl::status::Success;
+}
+
+std::size_t EncodeUtf8(std::span<char> out, std::wstring_view& text) noexcept {
+    char* to = out.data();
+    char* const end = to + out.size();
+    wchar_t const* from = text.data();
+    wchar_t const* const last = from + text.size();
+    while (from != last) {
+        // Most text is ASCII, a byte for each character.
+        while (last - from >= std::ptrdiff_t(step) && end - to >= std::ptrdiff_t(step) && BitsOf(from) < 0x80) {
+            for (std::size_t i = 0; i < step; ++i) to[i] = static_cast<char>(from[i]);
+            from += step;
+            to += step;
+        }
+        if (from == last) break;
+        // The others of the step at hand, one by one.
+        wchar_t const* const stop = last - from > std::ptrdiff_t(step) ? from + step : last;
+        for (; from != stop; ++from) {
+            char bytes[4];
+            std::size_t const size = PutUtf8(bytes, static_cast<char32_t>(*from));
+            if (static_cast<std::size_t>(end - to) < size) {
+                text.remove_prefix(static_cast<std::size_t>(from - text.data()));
+                return static_cast<std::size_t>(to - out.data());
+            }
+            to = std::copy_n(bytes, size, to);
+        }
+    }
+    text = {};
     return static_cast<std::size_t>(to - out.data());
 }
 
 htl::status CheckCodePoints(std::wstring_view text) {
     constexpr unsigned unfitCharacter = 90012;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        at += RunBelowSurrogates(text.substr(at));
-        if (at < text.size() && !IsCodePoint(static_cast<char32_t>(text[at])))
-            return htl::status(unfitCharacter, at + 1);
+    for (std::size_t at = 0; at < text.size();) {
+        if (text.size() - at >= step && BitsOf(text.data() + at) < 0xD800) {
+            at += step;
+            continue;
+        }
+        for (std::size_t const stop = std::min(at + step, text.size()); at != stop; ++at)
+            if (!IsCodePoint(static_cast<char32_t>(text[at]))) return htl::status(unfitCharacter, at + 1);
     }
     return htl::status::Success;
 }

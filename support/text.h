@@ -29,16 +29,15 @@ ZO_API u8string as_u8string(std::string const& text);
 
 /// Appends the UTF-8 form of `text` to `out`, as `as_cstring` does.
 ZO_API void AppendUtf8(std::string& out, std::wstring_view text);
+/// Encodes as UTF-8 what fits into `out` from the beginning of `text`, whole characters, and moves `text` behind it;
+/// the number of bytes. A unit that is no code point becomes U+FFFD. Four bytes are room for any character.
+ZO_API std::size_t EncodeUtf8(std::span<char> out, std::wstring_view& text) noexcept;
 /// Replaces `out` by the widened `text`, as `as_wstring` does, reusing the memory of `out`.
 ZO_API void AssignWide(std::wstring& out, std::string_view text);
 
 /// Encodes to UTF-16, low byte first, without a mark.
 /// Failure: a lone surrogate or a unit above 0x10FFFF (message 90012 with its position from 1); `out` is then empty.
 ZO_API htl::status as_utf16le(std::wstring_view text, std::vector<unsigned char>& out);
-
-/// Encodes in the same form what fits into `out` from the beginning of `text`, and moves `text` behind it; the number
-/// of bytes. A unit that is no code point becomes U+FFFD. With less than four bytes of room nothing may be taken.
-ZO_API std::size_t EncodeUtf16le(std::span<char> out, std::wstring_view& text) noexcept;
 
 /// Whether a document can carry the text: success, or the failure of `as_utf16le`.
 ZO_API htl::status CheckCodePoints(std::wstring_view text);

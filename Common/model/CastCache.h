@@ -24,10 +24,17 @@ public:
             if (isOne) distance = reinterpret_cast<std::byte*>(found) - reinterpret_cast<std::byte*>(&node);
             return found;
         }
+        return At_(node);
+    }
+
+    /// The same without remembering another class.
+    To* Recall(IZO& node) const { return &typeid(node) == last ? At_(node) : dynamic_cast<To*>(&node); }
+
+private:
+    To* At_(IZO& node) const {
         return isOne ? reinterpret_cast<To*>(reinterpret_cast<std::byte*>(&node) + distance) : nullptr;
     }
 
-private:
     std::type_info const* last = nullptr;
     bool isOne = false;
     std::ptrdiff_t distance = 0;

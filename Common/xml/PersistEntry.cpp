@@ -22,7 +22,7 @@ std::size_t ChildIndex::Find(std::vector<ZOPersistEntry> const& children, std::w
 }
 
 ZOPersistEntry::ZOPersistEntry(H const& node, ZOPersistEntry* parent)
-    : node(node), wrapper(dynamic_cast<IZOWrapper*>(node.get())), simple(dynamic_cast<IZOSimple*>(node.get())),
+    : node(node), wrapper(asWrapper(*node)), simple(dynamic_cast<IZOSimple*>(node.get())),
       name(RegSubName(node->RegID())), tag(node->Tag()), persist(node->GetPersistTraits()),
       traits(node->GetDataTraits()) {
     if (auto const* record = traits.AsArray()) {
@@ -61,6 +61,8 @@ ZOPersistEntry::Getter ZOPersistEntry::ChooseGetter_(ZOPersistEntry const* paren
     return simple ? &ZOPersistEntry::FnZOGetData : &ZOPersistEntry::FnZOGet;
 }
 
+IZOWrapper const* ZOPersistEntry::WrapperOf_(H const& live) const { return live ? asWrapper.Recall(*live) : nullptr; }
+
 htl::status ZOPersistEntry::FnZOGet(H& live, IZOWrapper*, std::wstring& value, bool& isDefault) const {
     if (!live) return ZOError::not_found(name);
     isDefault = live->IsDefault();
@@ -70,7 +72,7 @@ htl::status ZOPersistEntry::FnZOGet(H& live, IZOWrapper*, std::wstring& value, b
 
 htl::status ZOPersistEntry::FnZOGetData(H& live, IZOWrapper* parentWrapper, std::wstring& value,
                                         bool& isDefault) const {
-    auto const* view = dynamic_cast<IZOWrapper const*>(live.get());
+    IZOWrapper const* const view = WrapperOf_(live);
     if (!view || !view->Memory()) return FnZOGet(live, parentWrapper, value, isDefault);
     return simple->FormatRange(view->Memory(), nullptr, SkipsDefaults_(), value, isDefault);
 }
@@ -83,7 +85,7 @@ htl::status ZOPersistEntry::FnZOGetArrayData(H& live, IZOWrapper* parentWrapper,
         value.clear();
         return {};
     }
-    auto const* view = dynamic_cast<IZOWrapper const*>(live.get());
+    IZOWrapper const* const view = WrapperOf_(live);
     auto const* record = traits.AsArray();
     if (children.empty() || !record->elementAt || !record->elementTraits) return ZOError::not_found(name);
     // A client's own value class may know nothing of formatting memory; its array still writes itself.

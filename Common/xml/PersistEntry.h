@@ -4,6 +4,7 @@
 // that the values of large arrays are formatted straight from client memory without a lookup.
 #pragma once
 
+#include "Common/model/CastCache.h"
 #include "Common/model/IZO.h"
 
 #include <cstddef>
@@ -93,7 +94,11 @@ private:
     friend class ZOElemWriter;
 
     Getter ChooseGetter_(ZOPersistEntry const* parent) const;
+    IZOWrapper const* WrapperOf_(H const& live) const;
     bool SkipsDefaults_() const noexcept { return persist.Type == meta::MetaPersistTraits::IfNotDefined; }
+
+    // A live node is a clone of the registered one, as a rule, and then of its class.
+    zo::impl::CastCache<IZOWrapper> asWrapper;
 
 public:
     H node;                  ///< the registered node

@@ -30,9 +30,9 @@ namespace sys::file {
 [[nodiscard]] ZO_API htl::status XmlStringRead(std::vector<unsigned char> const& document,
                                                htl::handle<XmlElemReader> const& reader);
 
-/// The same for a document in wide text, which is parsed as UTF-16 without a mark, so its declaration names that or no
-/// encoding. Nothing is copied but one block at a time.
-/// Failure: further message 90012 if the text holds what is no code point; nothing is read then.
+/// The same for a document in wide text, which counts as UTF-16, so its declaration names that or no encoding. Nothing
+/// is copied but one block at a time. Failure: further message 90012 if the text holds what is no code point; nothing
+/// is read then.
 [[nodiscard]] ZO_API htl::status XmlTextRead(std::wstring_view document, htl::handle<XmlElemReader> const& reader);
 
 /// Writes a document into a file, as UTF-8 without a mark, two blanks of indentation a level, lines ended by a line

@@ -37,11 +37,17 @@ protected:
     ~XmlEvents() = default;
 };
 
+/// What the blocks of a document hold.
+enum class XmlSource {
+    bytes,   ///< the document as it lies in a file: it says itself how it is encoded
+    wideText ///< UTF-8 that was wide text, so its declaration names UTF-16 or nothing
+};
+
 /// Parses one document, block by block.
 class XmlParser {
 public:
     /// `events` must live as long as the parser.
-    explicit XmlParser(XmlEvents& events);
+    explicit XmlParser(XmlEvents& events, XmlSource source = XmlSource::bytes);
     ~XmlParser();
     XmlParser(XmlParser const&) = delete;
     XmlParser& operator=(XmlParser const&) = delete;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,6 +24,13 @@ bool BeginsWithMark(std::string_view document) noexcept {
     return document.starts_with("\xEF\xBB\xBF") || document.starts_with("\xFE\xFF") || document.starts_with("\xFF\xFE");
 }
 
+// Whether the name of an encoding fits text that is parsed as UTF-16, low byte first. Case doesn't count.
+bool IsUtf16(std::string_view name) {
+    std::string upper(name);
+    std::ranges::transform(upper, upper.begin(), [](char c) { return c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c; });
+    return upper == "UTF-16" || upper == "UTF-16LE";
+}
+
 struct ParserDeleter {
     void operator()(XML_Parser parser) const noexcept { XML_ParserFree(parser); }
 };
@@ -31,7 +39,8 @@ struct ParserDeleter {
 
 class XmlParser::Impl {
 public:
-    explicit Impl(XmlEvents& target) : events(target), parser(XML_ParserCreate(nullptr)) {
+    Impl(XmlEvents& target, XmlSource source)
+        : events(target), source(source), parser(XML_ParserCreate(source == XmlSource::wideText ? "UTF-8" : nullptr)) {
         if (!parser) throw std::bad_alloc();
         XML_SetUserData(parser.get(), this);
         XML_SetElementHandler(parser.get(), OnStart, OnEnd);
@@ -39,6 +48,7 @@ public:
         XML_SetCdataSectionHandler(parser.get(), OnCdataStart, OnCdataEnd);
         XML_SetStartDoctypeDeclHandler(parser.get(), OnDoctype);
         XML_SetUnknownEncodingHandler(parser.get(), OnUnknownEncoding, this);
+        if (source == XmlSource::wideText) XML_SetXmlDeclHandler(parser.get(), OnDeclaration);
     }
 
     htl::status Block(std::span<char>& place) {
@@ -51,7 +61,7 @@ public:
     htl::status Parse(std::size_t used, bool last) {
         if (!std::exchange(begun, true)) marked = BeginsWithMark({block.data(), used});
         // What stands before a fault is parsed all the same: an earlier error is the one to report.
-        auto const fault = check.Check(block.first(used), last);
+        auto const fault = source == XmlSource::bytes ? check.Check(block.first(used), last) : std::nullopt;
         XML_Index const before = XML_GetCurrentByteIndex(parser.get());
         auto const result =
             XML_ParseBuffer(parser.get(), static_cast<int>(fault ? fault->offset : used), last && !fault);
@@ -85,6 +95,11 @@ private:
     static void XMLCALL OnDoctype(void* self, char const*, char const*, char const*, int) {
         Impl& impl = From(self);
         impl.Refuse_(htl::status(doctypeRefused, impl.Line_(), impl.Column_()));
+    }
+    static void XMLCALL OnDeclaration(void* self, char const*, char const* named, int) {
+        if (named && !IsUtf16(named))
+            From(self).Refuse_(htl::status(notWellFormed, From(self).Line_(), From(self).Column_(),
+                                           XML_ErrorString(XML_ERROR_INCORRECT_ENCODING)));
     }
     static int XMLCALL OnUnknownEncoding(void* self, char const* name, XML_Encoding*) {
         From(self).encoding = name;
@@ -171,6 +186,7 @@ private:
     }
 
     XmlEvents& events;
+    XmlSource source;
     std::unique_ptr<XML_ParserStruct, ParserDeleter> parser;
     Utf16Check check;
     std::span<char> block;
@@ -186,7 +202,7 @@ private:
     std::exception_ptr thrown;
 };
 
-XmlParser::XmlParser(XmlEvents& events) : impl(std::make_unique<Impl>(events)) {}
+XmlParser::XmlParser(XmlEvents& events, XmlSource source) : impl(std::make_unique<Impl>(events, source)) {}
 
 XmlParser::~XmlParser() = default;
 

@@ -168,9 +168,9 @@ private:
 
 // Parses what `fill` puts into one block after the other: how much it used of the block, and whether that was the last.
 template <class Fill>
-htl::status ParseBlocks(htl::handle<XmlElemReader> const& reader, Fill const& fill) {
+htl::status ParseBlocks(htl::handle<XmlElemReader> const& reader, XmlSource source, Fill const& fill) {
     Driver driver(reader);
-    XmlParser parser(driver);
+    XmlParser parser(driver, source);
     for (bool last = false; !last;) {
         std::span<char> block;
         std::size_t used = 0;
@@ -190,7 +190,7 @@ htl::status XmlFileRead(std::wstring const& name, htl::handle<XmlElemReader> con
     InputFile file(path.c_str());
     if (!file.IsOpen()) return unreadable();
 
-    return ParseBlocks(reader, [&](std::span<char> block, std::size_t& used, bool& last) {
+    return ParseBlocks(reader, XmlSource::bytes, [&](std::span<char> block, std::size_t& used, bool& last) {
         std::ptrdiff_t const got = file.Read(block);
         if (got < 0) return unreadable();
         used = static_cast<std::size_t>(got);
@@ -201,7 +201,7 @@ htl::status XmlFileRead(std::wstring const& name, htl::handle<XmlElemReader> con
 
 htl::status XmlStringRead(std::vector<unsigned char> const& document, htl::handle<XmlElemReader> const& reader) {
     std::span<unsigned char const> rest = document;
-    return ParseBlocks(reader, [&rest](std::span<char> block, std::size_t& used, bool& last) {
+    return ParseBlocks(reader, XmlSource::bytes, [&rest](std::span<char> block, std::size_t& used, bool& last) {
         auto const taken = rest.first(std::min(block.size(), rest.size()));
         std::ranges::copy(taken, block.begin());
         rest = rest.subspan(taken.size());
@@ -213,8 +213,8 @@ htl::status XmlStringRead(std::vector<unsigned char> const& document, htl::handl
 
 htl::status XmlTextRead(std::wstring_view document, htl::handle<XmlElemReader> const& reader) {
     if (htl::status failure = str::CheckCodePoints(document); failure.IsError()) return failure;
-    return ParseBlocks(reader, [&document](std::span<char> block, std::size_t& used, bool& last) {
-        used = str::EncodeUtf16le(block, document);
+    return ParseBlocks(reader, XmlSource::wideText, [&document](std::span<char> block, std::size_t& used, bool& last) {
+        used = str::EncodeUtf8(block, document);
         last = document.empty();
         return htl::status();
     });

@@ -144,19 +144,37 @@ TEST(Utf16Test, RefusesWhatNoDocumentCarriesWithItsPosition) {
     }
 }
 
-TEST(Utf16Test, TakesWholeCharactersAsLongAsThereIsRoom) {
+TEST(Utf8Test, EncodesWholeCharactersAsLongAsThereIsRoom) {
     struct Case {
         std::size_t room, bytes, rest;
     };
-    // Two bytes, two bytes, four bytes, two bytes.
-    std::wstring const text = L"A\u20AC\U0001D400B";
-    for (auto const [room, bytes, rest] : {Case{0, 0, 4}, Case{1, 0, 4}, Case{3, 2, 3}, Case{4, 4, 2}, Case{7, 4, 2},
-                                           Case{8, 8, 1}, Case{9, 8, 1}, Case{10, 10, 0}, Case{99, 10, 0}}) {
-        std::vector<char> out(room + 1, '#');
+    // One, two, three, four bytes and one.
+    std::wstring const text = L"A\u00FC\u20AC\U0001D400B";
+    std::string const expected = "A\xC3\xBC\xE2\x82\xAC\xF0\x9D\x90\x80"
+                                 "B";
+    for (auto const [room, bytes, rest] :
+         {Case{0, 0, 5}, Case{1, 1, 4}, Case{2, 1, 4}, Case{3, 3, 3}, Case{5, 3, 3}, Case{6, 6, 2}, Case{9, 6, 2},
+          Case{10, 10, 1}, Case{11, 11, 0}, Case{99, 11, 0}}) {
+        std::string out(room + 1, '#');
         std::wstring_view left = text;
-        EXPECT_EQ(str::EncodeUtf16le(std::span(out).first(room), left), bytes) << room;
+        EXPECT_EQ(str::EncodeUtf8(std::span(out).first(room), left), bytes) << room;
         EXPECT_EQ(left, text.substr(text.size() - rest)) << room;
+        EXPECT_EQ(out.substr(0, bytes), expected.substr(0, bytes)) << room;
         EXPECT_EQ(out[room], '#') << room;
+    }
+}
+
+TEST(Utf8Test, EncodesLongTextAsTheConversionDoes) {
+    for (std::size_t const place : {0u, 31u, 32u, 33u, 63u, 64u, 99u}) {
+        for (wchar_t const other : {L'\u00FC', L'\u20AC', L'\U0001D400', wchar_t(0xD800), wchar_t(0x110000)}) {
+            std::wstring text(100, L'x');
+            text[place] = other;
+            std::string out(200, '#');
+            std::wstring_view left = text;
+            out.resize(str::EncodeUtf8(out, left));
+            EXPECT_TRUE(left.empty());
+            EXPECT_EQ(out, str::as_cstring(text)) << place;
+        }
     }
 }
 
@@ -169,19 +187,6 @@ TEST(Utf16Test, CharactersAmongManyOthersComeOutInTheirPlaces) {
         std::vector<unsigned char> bytes;
         ASSERT_FALSE(str::as_utf16le(text, bytes).IsError());
         EXPECT_EQ(std::string(bytes.begin(), bytes.end()), expected) << place;
-    }
-}
-
-TEST(Utf16Test, WhatIsNoCodePointIsEncodedAsTheReplacementCharacter) {
-    for (unsigned const unit : {0xD800u, 0xDFFFu, 0x110000u, 0xFFFFFFFFu}) {
-        std::wstring const text{L'a', static_cast<wchar_t>(unit), L'b'};
-        std::string out(6, '#');
-        std::wstring_view left = text;
-        EXPECT_EQ(str::EncodeUtf16le(out, left), 6u);
-        EXPECT_EQ(out, std::string("a\0\xFD\xFF"
-                                   "b\0",
-                                   6))
-            << std::hex << unit;
     }
 }
 

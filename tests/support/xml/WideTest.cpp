@@ -64,9 +64,8 @@ TEST(XmlTextTest, ANameLongerThanABlockStaysWhole) {
     }
 }
 
-TEST(XmlTextTest, APairOfSurrogatesMayLieAcrossBlocks) {
-    // A block holds an even number of bytes, so that only a character of two units can meet its end halfway.
-    for (std::size_t const before : {32'700u, 32'701u}) {
+TEST(XmlTextTest, ACharacterOfSeveralBytesMayMeetTheEndOfABlock) {
+    for (std::size_t before = 65'400; before < 65'404; ++before) {
         Node const root = {L"M", {}, std::wstring(before, L'x') + std::wstring(200, L'\U0001F30D'), {}};
         std::wstring text;
         ASSERT_FALSE(WriteText(text, root).IsError());
@@ -104,9 +103,34 @@ TEST(XmlTextTest, WhatIsNoCodePointIsRefusedBeforeAnythingIsRead) {
     }
 }
 
-TEST(XmlTextTest, ADeclarationOfEightBitsDoesNotFit) {
+TEST(XmlTextTest, TheDeclarationNamesSixteenBitsOrNothing) {
+    auto const read = [](std::wstring const& declared) {
+        Node node;
+        return ReadText(L"<?xml version=\"1.0\"" + declared + L"?><M/>", node);
+    };
+    for (std::wstring const name : {L"UTF-16", L"utf-16", L"UTF-16LE"})
+        EXPECT_FALSE(read(L" encoding=\"" + name + L"\"").IsError());
+    EXPECT_FALSE(read(L"").IsError());
+    for (std::wstring const name : {L"UTF-8", L"US-ASCII", L"ISO-8859-1", L"UTF-16BE", L"UTF-1", L"KOI8-R"})
+        EXPECT_TRUE(FailsAs(read(L" encoding=\"" + name + L"\""), 90002, 1, 1,
+                            "encoding specified in XML declaration is incorrect"));
+}
+
+TEST(XmlTextTest, FaultsAreToldByTheCharactersOfTheText) {
     Node read;
-    EXPECT_TRUE(ReadText(L"<?xml version=\"1.0\" encoding=\"UTF-8\"?><M/>", read).Is(90002));
-    EXPECT_FALSE(ReadText(L"<?xml version=\"1.0\"?><M/>", read).IsError());
-    EXPECT_TRUE(ReadText(L"", read).Is(90002));
+    // The mark counts as no column, a character above the basic plane as one.
+    EXPECT_TRUE(FailsAs(ReadText(L"\uFEFF<M>\n\U0001D400\u00FC</N>", read), 90002, 2, 5, "mismatched tag"));
+    EXPECT_TRUE(FailsAs(ReadText(std::wstring(L"<M>\0</M>", 8), read), 90002, 1, 4, "not well-formed (invalid token)"));
+    for (std::wstring const& document : {std::wstring(1, L'\0'), std::wstring(L"<!DOCTYPE M><M/>"), std::wstring(),
+                                         std::wstring(L"\u3C00M/>"), std::wstring(L"<M>\uFFFE</M>")}) {
+        htl::status const failure = ReadText(document, read);
+        EXPECT_TRUE(failure.IsError());
+        EXPECT_EQ(failure.AsWString(), FailureOf(str::as_cstring(document)).AsWString());
+    }
+}
+
+TEST(XmlTextTest, WhiteSpaceFromReferencesIsNoLayout) {
+    Node read = {L"M", {}, L"", {}};
+    ASSERT_FALSE(ReadText(L"<M>\n  <A>&#32;</A>\n  <B> </B>\n</M>", read).IsError());
+    EXPECT_TRUE(read == (Node{L"M", {}, L"", {{L"A", {}, L" ", {}}, {L"B", {}, L"", {}}}}));
 }
