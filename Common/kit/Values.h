@@ -124,6 +124,8 @@ htl::status CheckRange(Options<T> const& options, T const& value) {
     if constexpr (!meta::EnumType<T>)
         if (auto const standard = meta::StandardMissing<T>(); standard && !options.noMissing)
             missing = value == *standard;
+    // No document holds it, so it would come back as missing.
+    if constexpr (std::floating_point<T>) missing |= !std::isfinite(value);
     if (aboveMin && belowMax && !missing) return {};
     if (options.min && options.max) {
         constexpr unsigned notBetween = 21662; // as `ZOError::out_of_bounds`, which takes whole numbers only

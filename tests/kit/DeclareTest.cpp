@@ -224,6 +224,14 @@ TEST_F(DeclareTest, RangeWithOneEndSaysWhich) {
     EXPECT_TRUE(Succeeds(zo::Find("Layer.Friction")->Set(1e300)));
 }
 
+TEST_F(DeclareTest, RangeWithOneEndRefusesWhatIsNotFinite) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    RegisterLayer({.min = 0.0});
+    for (double const value : {infinity, -infinity})
+        EXPECT_EQ(zo::Find("Layer.Friction")->Set(value).AsWString(), L"A value is needed here.") << value;
+    EXPECT_EQ(layer.friction, 30);
+}
+
 TEST_F(DeclareTest, RangeWithAMaximumSaysSo) {
     RegisterLayer({.max = 60.0});
     EXPECT_EQ(zo::Find("Layer.Friction")->Set(61).AsWString(), L"61 is more than 60.");
