@@ -37,7 +37,8 @@ public:
     virtual H Find(H const& node, std::string const& name) = 0;
     /// The node under a name, with indices from 0: `a[3].b`, `a.[3].b` and `a.3.b` alike. Any text is accepted.
     virtual H Find(std::string const& name) = 0;
-    /// Enters a node under a name of its own. A name that is taken: `duplicate_name()`.
+    /// Enters a node under a name of its own. A name under which the set holds a node, inserted or staged:
+    /// `duplicate_name()`.
     virtual htl::status Insert(std::string const& name, H const& node) = 0;
     /// Enters a node under a name for as long as the caller holds it.
     virtual htl::status InsertTemporary(std::string const& name, H const& node) = 0;
