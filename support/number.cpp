@@ -216,9 +216,9 @@ char* FormatReal(char* first, T value) noexcept {
 
 void Append(std::wstring& out, char const* first, char const* last) {
     std::array<wchar_t, numberTextSize> wide;
-    wchar_t* to = wide.data();
-    while (first != last) *to++ = static_cast<wchar_t>(*first++);
-    out.append(wide.data(), to);
+    auto const length = static_cast<std::size_t>(last - first);
+    for (std::size_t i = 0; i < length; ++i) wide[i] = static_cast<wchar_t>(first[i]);
+    out.append(wide.data(), length);
 }
 
 template <class T>

@@ -135,7 +135,10 @@ WriteFilter::Selection ZOElemWriter::AskFilter_() const {
 }
 
 sys::file::XmlAttribute& ZOElemWriter::Slot_() {
-    if (attributeCount == attributes.size()) attributes.emplace_back();
+    if (attributeCount == attributes.size()) {
+        attributes.emplace_back();
+        slotTags.push_back(nullptr);
+    }
     auto& slot = attributes[attributeCount];
     slot.second.clear();
     return slot;
@@ -144,6 +147,7 @@ sys::file::XmlAttribute& ZOElemWriter::Slot_() {
 void ZOElemWriter::AddAttribute_(std::wstring_view name, std::wstring_view value) {
     auto& slot = Slot_();
     slot.first.assign(name);
+    slotTags[attributeCount] = nullptr;
     slot.second.assign(value);
     ++attributeCount;
 }
@@ -182,7 +186,9 @@ void ZOElemWriter::Prepare_() {
             auto& slot = Slot_();
             if ((child.*child.getter)(node, wrapper, slot.second, isDefault).IsError() || IsLeftOut(child, isDefault))
                 continue;
-            if (slot.first != child.persist.Tag) slot.first = child.persist.Tag;
+            // The entries of an array have one tag for each place.
+            if (std::exchange(slotTags[attributeCount], &child.persist.Tag) != &child.persist.Tag)
+                slot.first = child.persist.Tag;
             ++attributeCount;
         }
     }

@@ -90,6 +90,7 @@ private:
     bool Step_();
 
     zo::impl::CastCache<IZOWrapper> asWrapper;
+    std::vector<std::wstring const*> slotTags; // what each attribute's name was copied from, or null
     // Cursors of the last children, used again once nobody else holds them.
     htl::handle<ZOElemWriter> spareChild;
     htl::handle<ZOElemWriterArrayEntry> spareEntries;

@@ -102,8 +102,11 @@ char* PutSpecial(char* to, char32_t code, std::array<Form, 128> const& forms) no
 class NameCache {
 public:
     struct Entry {
-        std::wstring name; // empty in a place that was never used
-        std::string bytes;
+        std::wstring name;         // empty in a place that was never used
+        std::string start;         // "<name"
+        std::string end;           // "</name>"
+        std::string attribute;     // " name=\""
+        std::uint64_t filled = 0;  // counts the names that the place had
         std::uint64_t element = 0; // the last element that had it as the name of an attribute
     };
 
@@ -112,18 +115,30 @@ public:
     Entry* Get(std::wstring const& name, std::uint64_t* evicted = nullptr) {
         if (name.empty()) return nullptr;
         Entry& entry = entries[Place_(name)];
-        if (entry.name == name) return &entry;
+        if (IsSame_(entry.name, name)) return &entry;
         if (!IsXmlName(name)) return nullptr;
         if (evicted) *evicted = entry.element;
         entry.name = name;
-        entry.bytes.clear();
-        str::AppendUtf8(entry.bytes, name);
+        std::string const bytes = str::as_cstring(name);
+        entry.start = "<" + bytes;
+        entry.end = "</" + bytes + ">";
+        entry.attribute = " " + bytes + "=\"";
         entry.element = 0;
+        ++entry.filled;
         return &entry;
     }
 
 private:
     static constexpr std::size_t size = 256;
+
+    // Names are short: calling a function takes longer than comparing them.
+    static bool IsSame_(std::wstring const& a, std::wstring const& b) noexcept {
+        std::size_t const length = a.size();
+        if (length != b.size()) return false;
+        std::size_t i = 0;
+        while (i < length && a[i] == b[i]) ++i;
+        return i == length;
+    }
 
     static std::size_t Place_(std::wstring const& name) noexcept {
         std::size_t const length = name.size();
@@ -158,6 +173,11 @@ public:
             used += taken;
             bytes.remove_prefix(taken);
         }
+    }
+
+    void Byte(char byte) {
+        if (Room_() == 0) Flush();
+        block[used++] = byte;
     }
 
     void Blanks(std::size_t count) {
@@ -239,6 +259,8 @@ private:
     // An element whose end is still to be written.
     struct Level {
         std::wstring tag;
+        NameCache::Entry const* name = nullptr; // of the tag, unless it was filled since
+        std::uint64_t filled = 0;
         htl::handle<XmlElemWriter> child; // the cursor that walks its children, null behind the last one
         bool hasText = false;             // so nothing may be put around its children, it would become text
         bool hasContent = false;          // the start tag is closed
@@ -252,17 +274,19 @@ private:
 
         if (!open.empty()) OpenContent_(open.back());
         if (open.empty() || !open.back().hasText) out.Blanks(2 * open.size());
-        out.Bytes("<");
-        out.Bytes(name->bytes);
+        out.Bytes(name->start);
+        std::uint64_t const filled = name->filled;
         std::wstring const text = writer.Text();
         auto const [begin, end] = writer.Attributes();
         if (htl::status failure = Attributes_(begin, end, tag); failure.IsError()) return failure;
 
         Level& level = open.emplace_back();
         level.tag = std::move(tag);
+        level.name = name;
+        level.filled = filled;
         if (!text.empty()) {
             level.hasText = level.hasContent = true;
-            out.Bytes(">");
+            out.Byte('>');
             out.Value(text, std::ranges::all_of(text, IsXmlBlank) ? blankForms : textForms);
         }
         level.child = writer.FirstChild();
@@ -279,11 +303,9 @@ private:
             if (name->element == element) return Repeated_(item->first, tag);
             name->element = element;
             lostOne |= evicted == element;
-            out.Bytes(" ");
-            out.Bytes(name->bytes);
-            out.Bytes("=\"");
+            out.Bytes(name->attribute);
             out.Value(item->second, attributeForms);
-            out.Bytes("\"");
+            out.Byte('"');
         }
         return lostOne ? CompareAll_(begin, end, tag) : htl::status();
     }
@@ -313,12 +335,11 @@ private:
             out.Bytes("/>");
         } else {
             if (!level.hasText) out.Blanks(2 * (open.size() - 1));
-            out.Bytes("</");
-            out.Bytes(names.Get(level.tag)->bytes);
-            out.Bytes(">");
+            NameCache::Entry const* const name = level.name->filled == level.filled ? level.name : names.Get(level.tag);
+            out.Bytes(name->end);
         }
         open.pop_back();
-        if (open.empty() || !open.back().hasText) out.Bytes("\n");
+        if (open.empty() || !open.back().hasText) out.Byte('\n');
     }
 
     void Advance_() {
