@@ -59,7 +59,12 @@ public:
     }
 
     htl::status Parse(std::size_t used, bool last) {
-        if (!std::exchange(begun, true)) marked = BeginsWithMark({block.data(), used});
+        if (!std::exchange(begun, true)) {
+            marked = BeginsWithMark({block.data(), used});
+            // Among the first two bytes a zero makes 16 bits of a document, whatever its encoding is said to be. A text
+            // with another control character there is refused for the same reason in the same place.
+            if (source == XmlSource::wideText && used >= 2) std::replace(block.data(), block.data() + 2, '\0', '\1');
+        }
         // What stands before a fault is parsed all the same: an earlier error is the one to report.
         auto const fault = source == XmlSource::bytes ? check.Check(block.first(used), last) : std::nullopt;
         XML_Index const before = XML_GetCurrentByteIndex(parser.get());

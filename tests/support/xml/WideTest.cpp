@@ -129,6 +129,17 @@ TEST(XmlTextTest, FaultsAreToldByTheCharactersOfTheText) {
     }
 }
 
+TEST(XmlTextTest, ZerosDoNotMakeItAnotherEncoding) {
+    // The bytes of <M/> in UTF-16, low byte first and high byte first, as characters.
+    Node read;
+    EXPECT_TRUE(
+        FailsAs(ReadText(std::wstring(L"<\0M\0/\0>\0", 8), read), 90002, 1, 2, "not well-formed (invalid token)"));
+    EXPECT_TRUE(
+        FailsAs(ReadText(std::wstring(L"\0<\0M\0/\0>", 8), read), 90002, 1, 1, "not well-formed (invalid token)"));
+    EXPECT_TRUE(FailsAs(ReadText(std::wstring(L"\uFEFF<\0M\0/\0>\0", 9), read), 90002, 1, 2,
+                        "not well-formed (invalid token)"));
+}
+
 TEST(XmlTextTest, WhiteSpaceFromReferencesIsNoLayout) {
     Node read = {L"M", {}, L"", {}};
     ASSERT_FALSE(ReadText(L"<M>\n  <A>&#32;</A>\n  <B> </B>\n</M>", read).IsError());
