@@ -293,6 +293,27 @@ TEST_F(ArrayTest, ListIsAnAttributeOfARecordOfAttributes) {
     EXPECT_EQ(survey, saved);
 }
 
+TEST_F(ArrayTest, RecordsOfAttributesAndListsFollowEachOther) {
+    struct Well {
+        Point mouth;
+        std::vector<Point> bends;
+    };
+    static std::vector<Well> wells;
+    wells = {{{1, 2}, {{3, 4}}}, {{5, 6}, {{7, 8}, {9, 0}}}};
+    Register({&PointModule, [](Kit& kit) {
+                  kit.Record<Well>("Well")
+                      .Struct<&Well::mouth>("Mouth", L"Mouth")
+                      .Array<&Well::bends>("Bends", L"Bends[Bend]");
+                  kit.Branch<std::vector<Well>>("Wells", L"Wells[Well]", [] { return &wells; });
+              }});
+    EXPECT_EQ(
+        Body(),
+        L"<Wells Len=\"2\">"
+        L"<Well><Mouth X=\"1\" Y=\"2\"/><Bends Len=\"1\"><Bend X=\"3\" Y=\"4\"/></Bends></Well>"
+        L"<Well><Mouth X=\"5\" Y=\"6\"/><Bends Len=\"2\"><Bend X=\"7\" Y=\"8\"/><Bend X=\"9\" Y=\"0\"/></Bends></Well>"
+        L"</Wells>");
+}
+
 TEST_F(ArrayTest, NewElementsAreAtTheirDefaults) {
     struct Gauge {
         double zero = 4;
