@@ -22,13 +22,14 @@ namespace xml {
 
 /// Replaces `text` by the document in wide text, whose declaration names UTF-16; empty after a failure.
 ///
-/// `reserve` is how many bytes of UTF-8 are expected, 0 if that is not known; above the greatest signed 64-bit integer
-/// std::length_error is thrown. `filter` null: everything. Else only what its texts select: each selects the node that
-/// it names, all above and all below it. Texts are compared as prefixes of paths such as "HZNData.Items[2]", letter for
-/// letter and in both directions, so "HZNData.Ab" selects "HZNData.Abc", too. Where a text names an entry of an array,
-/// the other entries are written without attributes and children, so that each keeps its place. An empty list selects
-/// nothing, which is a failure, since a document needs its document element; an empty text selects everything. Failure:
-/// those of `sys::file::XmlTextWrite`.
+/// `reserve` is how many bytes of UTF-8 are expected, 0 if that is not known. The text is allocated once in any case,
+/// so all that it does is that above the greatest signed 64-bit integer std::length_error is thrown. `filter` null:
+/// everything. Else only what its texts select: each selects the node that it names, all above and all below it. Texts
+/// are compared as prefixes of paths such as "HZNData.Items[2]", letter for letter and in both directions, so
+/// "HZNData.Ab" selects "HZNData.Abc", too. Where a text names an entry of an array, the other entries are written
+/// without attributes and children, so that each keeps its place. An empty list selects nothing, which is a failure,
+/// since a document needs its document element; an empty text selects everything. Failure: those of
+/// `sys::file::XmlTextWrite`.
 [[nodiscard]] ZO_API htl::status StringWrite(std::wstring& text, hzn::version::NumberKind<0> const& version,
                                              std::size_t reserve = 0,
                                              std::vector<std::wstring> const* filter = nullptr);

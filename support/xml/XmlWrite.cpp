@@ -110,8 +110,8 @@ public:
         std::uint64_t element = 0; // the last element that had it as the name of an attribute
     };
 
-    /// The entry of `name`, null if that is no XML name. Valid until the next call. `evicted` gets the element of the
-    /// entry that had to make room.
+    /// The entry of `name`, null if that is no XML name. The place stays, and is that of `name` until `filled` changes,
+    /// which any next call may do. `evicted` gets the element of the entry that had to make room.
     Entry* Get(std::wstring const& name, std::uint64_t* evicted = nullptr) {
         if (name.empty()) return nullptr;
         Entry& entry = entries[Place_(name)];
