@@ -95,6 +95,8 @@ for file in sorted(files, key=lambda file: file["filename"]):
         if counts.get(line):
             print(f"{name}:{line}:{column}: always {always}")
 
+if not total.lines:
+    sys.exit("coverage: nothing was counted")
 if missing:
     print()
 print(f"{'':18}{'lines':^25}   {'branches':^25}")
