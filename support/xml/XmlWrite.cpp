@@ -114,15 +114,19 @@ public:
     /// which any next call may do. `evicted` gets the element of the entry that had to make room.
     Entry* Get(std::wstring const& name, std::uint64_t* evicted = nullptr) {
         if (name.empty()) return nullptr;
-        Entry& entry = entries[Place_(name)];
-        if (IsSame_(entry.name, name)) return &entry;
+        std::size_t const place = Place_(name);
+        if (IsSame_(entries[place].name, name)) return &entries[place];
+        // Two names of one place would make room for each other all the time.
+        Entry& neighbour = entries[place ^ 1];
+        if (IsSame_(neighbour.name, name)) return &neighbour;
         if (!IsXmlName(name)) return nullptr;
+        Entry& entry = !entries[place].name.empty() && neighbour.name.empty() ? neighbour : entries[place];
         if (evicted) *evicted = entry.element;
         entry.name = name;
-        std::string const bytes = str::as_cstring(name);
-        entry.start = "<" + bytes;
-        entry.end = "</" + bytes + ">";
-        entry.attribute = " " + bytes + "=\"";
+        entry.start = '<';
+        str::AppendUtf8(entry.start, name);
+        entry.end.assign("</").append(entry.start, 1).append(1, '>');
+        entry.attribute.assign(1, ' ').append(entry.start, 1).append("=\"");
         entry.element = 0;
         ++entry.filled;
         return &entry;
@@ -131,10 +135,11 @@ public:
 private:
     static constexpr std::size_t size = 256;
 
-    // Names are short: calling a function takes longer than comparing them.
+    // For short names, calling a function takes longer than comparing them.
     static bool IsSame_(std::wstring const& a, std::wstring const& b) noexcept {
         std::size_t const length = a.size();
         if (length != b.size()) return false;
+        if (length > 6) return a == b;
         std::size_t i = 0;
         while (i < length && a[i] == b[i]) ++i;
         return i == length;
